@@ -1,0 +1,99 @@
+#pragma once
+
+#include <string_view>
+
+#include "LoamCounters/QueueCountersPrinter/IntfLists.h"
+#include "platform/Cortex.h"
+#include "platform/CounterAgent.h"
+#include "platform/HardwareLoam.h"
+#include "platform/LoamTm.h"
+#include "platform/Vane.h"
+
+namespace LoamCounters {
+
+/// The entity through which the CLI asks for queue, CPU queue, drop, egress ACL and egress MTU counters. It
+/// holds the state objects and two accessors, any of them possibly null; a show operation changes none of it.
+/// Each operation writes one whole answer to `fd` in the format `fmt` (1 text, 2 JSON). An interrupt ends an
+/// operation early, with the line "exiting ..." on standard output; other exceptions reach the caller.
+class CountersPrinter : public Vane::Entity<CountersPrinter> {
+ public:
+  using Ptr = Mote::Ptr<CountersPrinter>;
+  using PtrConst = Mote::Ptr<const CountersPrinter>;
+  using StatusPtr = Hardware::Loam::Status::PtrConst;
+  using TmMappingPtr = LoamTm::TmMapping::PtrConst;
+  using LagStatusPtr = Hardware::Loam::InternalLagClientStatus::PtrConst;
+  using TcMappingPtr = TrafficClassMapping::PtrConst;
+  using EngineStatusPtr = Hardware::Loam::CounterEngineStatus::PtrConst;
+  using EntityManagerPtr = Cortex::EntityManager::Ptr;
+  static constexpr std::string_view vaneName = "LoamCounters::CountersPrinter";
+
+  /// Makes both accessors, the egress ACL one never as a mount-mode writer.
+  CountersPrinter(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
+                  const LagStatusPtr& internalLagStatus, const TcMappingPtr& trafficClassMapping,
+                  const EngineStatusPtr& counterEngineStatus, const EntityManagerPtr& entityManager,
+                  bool skeinMountMode);
+  static Ptr CountersPrinterIs(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
+                               const LagStatusPtr& internalLagStatus, const TcMappingPtr& trafficClassMapping,
+                               const EngineStatusPtr& counterEngineStatus,
+                               const EntityManagerPtr& entityManager, bool skeinMountMode);
+  static const Vane::TypeData& fwkType();
+
+  StatusPtr loamStatus() const { return loamStatus_; }
+  TmMappingPtr tmMapping() const { return tmMapping_; }
+  LagStatusPtr internalLagStatus() const { return internalLagStatus_; }
+  TcMappingPtr trafficClassMapping() const { return trafficClassMapping_; }
+  EngineStatusPtr counterEngineStatus() const { return counterEngineStatus_; }
+  EntityManagerPtr entityManager() const { return entityManager_; }
+  bool skeinMountMode() const { return skeinMountMode_; }
+
+  /// The source of ingress, egress and MTU counters. `Is` answers the accessor held when it was made from the
+  /// same arguments, else makes a new one; `Del` removes it and answers what was held.
+  CounterEngineAccessor::Ptr fapCounterAccessor() const { return fapCounterAccessor_; }
+  CounterEngineAccessor::Ptr fapCounterAccessorIs(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
+                                                  const LagStatusPtr& internalLagStatus,
+                                                  const TcMappingPtr& trafficClassMapping,
+                                                  const EntityManagerPtr& entityManager, bool skeinMountMode);
+  CounterEngineAccessor::Ptr fapCounterAccessorDel();
+
+  /// The source of egress ACL counters and egress MTU totals, likewise.
+  EgressAclCountersAccessor::Ptr egressAclCountersAccessor() const { return egressAclCountersAccessor_; }
+  EgressAclCountersAccessor::Ptr egressAclCountersAccessorIs(const StatusPtr& loamStatus,
+                                                             const EngineStatusPtr& counterEngineStatus,
+                                                             const EntityManagerPtr& entityManager,
+                                                             bool isMountModeWriter);
+  EgressAclCountersAccessor::Ptr egressAclCountersAccessorDel();
+
+  /// `internal` adds special interfaces and fabric multicast queues; `detail` changes nothing.
+  void showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList, bool internal,
+                                   bool detail) const;
+  void showInterfacesQueueIngressCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList, bool internal,
+                                          bool detail) const;
+  /// `summary` sums over the switch; `perInputPortCoppVoqsSupported` labels a class's VOQs by input port.
+  void showCpuQueueCounters(U32 fd, U32 fmt, bool summary, bool perInputPortCoppVoqsSupported) const;
+  void showInterfacesQueueDropsCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList) const;
+  void showInterfacesEgressAclDropCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList);
+  void showInterfacesEgressMtuCounters(U32 fd, U32 fmt);
+
+ private:
+  AllIntfList::Ptr voqIntfs(const IntfList::PtrConst& intfList, bool voqPortsOnly) const;
+
+  const StatusPtr loamStatus_;
+  const TmMappingPtr tmMapping_;
+  const LagStatusPtr internalLagStatus_;
+  const TcMappingPtr trafficClassMapping_;
+  const EngineStatusPtr counterEngineStatus_;
+  const EntityManagerPtr entityManager_;
+  const bool skeinMountMode_;
+  CounterEngineAccessor::Ptr fapCounterAccessor_;
+  EgressAclCountersAccessor::Ptr egressAclCountersAccessor_;
+};
+
+CountersPrinter::Ptr countersPrinterFactory(const CountersPrinter::StatusPtr& loamStatus,
+                                            const CountersPrinter::TmMappingPtr& tmMapping,
+                                            const CountersPrinter::LagStatusPtr& internalLagStatus,
+                                            const CountersPrinter::TcMappingPtr& trafficClassMapping,
+                                            const CountersPrinter::EngineStatusPtr& counterEngineStatus,
+                                            const CountersPrinter::EntityManagerPtr& entityManager,
+                                            bool skeinMountMode);
+
+}  // namespace LoamCounters

@@ -1,0 +1,59 @@
+#include "LoamCounters/QueueCountersPrinter/Commands.h"
+
+namespace LoamCounters {
+
+namespace {
+
+/// One column of a row; the last one ends the line.
+template <tabula::FixedString textFormat>
+void printCount(tabula::Printer& printer, U32 fmt, Keel::MaybeU63 count, tabula::Attr64Info& attr) {
+  switch (fmt) {
+    case tabula::formatText:
+      printer.addArgs<textFormat>(count.null() ? "n/a" : count.stringValue());
+      break;
+    case tabula::formatJson:
+      if (!count.null()) {
+        attr.setValue(count.value());
+        printer.addArgs<"%19llu ">(attr.getArg());
+      }
+      break;
+    default:
+      Vane::fatal("false && \"Invalid data format\"");
+  }
+}
+
+}  // namespace
+
+void printShowInterfacesEgressMtuCounters(tabula::Printer& printer, U32 fmt,
+                                          const CounterEngineAccessor::PtrConst& accessor,
+                                          const EgressAclCountersAccessor::Ptr& aclAccessor,
+                                          const Hardware::Loam::Status::PtrConst& status) {
+  tabula::StringAttrInfo fapAttr("", printer);
+  tabula::Attr64Info enqueuedAttr("enqueuedPackets", printer);
+  tabula::Attr64Info droppedAttr("droppedPackets", printer);
+  tabula::Attr64Info totalAttr("totalPackets", printer);
+  fapAttr.setValue("");
+  printer.addFrills<"Aggregate Egress Mtu Counters\n">();
+  printer.addFrills<"%-17s %19s %19s %19s\n">("Switch", "EnqueuePkts", "Discards", "TotalPkts");
+  printer.start();
+  printer.startDict("destinations");
+  if (status != nullptr && accessor != nullptr && aclAccessor != nullptr) {
+    for (const auto& [fapId, fapName] : status->fapIdToName) {
+      fapAttr.setValue(fapName);
+      printer.startDictEntry(fapAttr);
+      const EgressMtuCounter mtuCounter = accessor->egressMtuEnqDropCounter(fapId);
+      VANE_ASSERT(mtuCounter.totalCounter().null());
+      const Keel::MaybeU63 total = aclAccessor->egressMtuTotalCounter(fapId);
+      printer.addFrills<"%-17s ">(fapAttr.getArg());
+      printCount<"%19s ">(printer, fmt, mtuCounter.enqueuedPackets(), enqueuedAttr);
+      printCount<"%19s ">(printer, fmt, mtuCounter.droppedPackets(), droppedAttr);
+      printCount<"%19s\n">(printer, fmt, total, totalAttr);
+      printer.endDictEntry();
+      printer.ioflush();
+    }
+  }
+  printer.endDict();
+  printer.end();
+}
+
+}  // namespace LoamCounters

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Mote.h"
+
+namespace loamshow {
+
+/// What the command line asks for.
+struct CommandLine {
+  std::string command;
+  std::string state;   // empty: none named
+  std::string plugin;  // empty: none named
+  U32 format = 1;      // of the answer: 1 text, 2 JSON
+  std::vector<std::string> interfaces;
+  bool internal = false;
+  bool detail = false;
+  bool summary = false;
+  bool perPort = false;
+  std::string snapshot = "current";
+  bool drops = false;
+  std::optional<std::string> block;
+
+  /// Text to print instead of running a command: help, or the version.
+  std::string notice;
+};
+
+/// Raises InputError for wrong usage.
+CommandLine parseCommandLine(int argc, char** argv);
+
+}  // namespace loamshow

@@ -1,0 +1,103 @@
+#include "loamshow/ShowCommands.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "loamshow/IntfArguments.h"
+#include "loamshow/JsonDocument.h"
+#include "loamshow/Plugin.h"
+#include "platform/Cortex.h"
+
+namespace loamshow {
+
+namespace {
+
+using Vane::Value;
+
+Object countersPrinter(const SwitchState& state) {
+  const auto entityManager = Mote::make<Cortex::EntityManager>();
+  entityManager->mountIs(LoamCounters::CounterTables::path, state.counters);
+  const std::vector<Value> arguments = {
+      Hardware::Loam::Status::PtrConst(state.status),
+      LoamTm::TmMapping::PtrConst(state.tmMapping),
+      Hardware::Loam::InternalLagClientStatus::PtrConst(state.internalLagStatus),
+      LoamCounters::TrafficClassMapping::PtrConst(Mote::make<LoamCounters::TrafficClassMapping>()),
+      Hardware::Loam::CounterEngineStatus::PtrConst(Mote::make<Hardware::Loam::CounterEngineStatus>()),
+      entityManager,
+      state.skeinMountMode,
+  };
+  return {"LoamCounters::CountersPrinter", arguments};
+}
+
+Value interfaceList(const CommandLine& line, const SwitchState& state) {
+  const Object list("LoamCounters::IntfList", {});
+  for (const Nexo::IntfId intf : selectInterfaces(state.interfaces, line.interfaces))
+    list.enqueue("intf", intf);
+  return list.handle();
+}
+
+/// A command that an operation of CountersPrinter answers, and the arguments that it takes after `fd` and
+/// `fmt`.
+struct QueueCommand {
+  std::string_view name;
+  std::string_view operation;
+  std::vector<Value> (*arguments)(const CommandLine& line, const SwitchState& state);
+};
+
+std::vector<Value> none(const CommandLine& /*line*/, const SwitchState& /*state*/) {
+  return {};
+}
+
+std::vector<Value> interfaces(const CommandLine& line, const SwitchState& state) {
+  return {interfaceList(line, state)};
+}
+
+std::vector<Value> interfacesAndFlags(const CommandLine& line, const SwitchState& state) {
+  return {interfaceList(line, state), line.internal, line.detail};
+}
+
+std::vector<Value> cpuFlags(const CommandLine& line, const SwitchState& /*state*/) {
+  return {line.summary, line.perPort};
+}
+
+constexpr QueueCommand queueCommands[] = {
+    {"queues", "showInterfacesQueueCounters", interfacesAndFlags},
+    {"ingress", "showInterfacesQueueIngressCounters", interfacesAndFlags},
+    {"cpu", "showCpuQueueCounters", cpuFlags},
+    {"drops", "showInterfacesQueueDropsCounters", interfaces},
+    {"acl", "showInterfacesEgressAclDropCounters", interfaces},
+    {"mtu", "showInterfacesEgressMtuCounters", none},
+};
+
+void runDebug(const CommandLine& line, const SwitchState& state, U32 fd) {
+  const Object descriptors("LoamCounters::FapDescriptorMapping", {});
+  const Object managers("LoamCounters::ShmemMgrMapping", {});
+  for (const DebugFap& fap : state.debugFaps) {
+    descriptors.insert("fapDescriptor", fap.name, fap.descriptor);
+    managers.insert("shmemMgr", fap.name, fap.manager);
+  }
+  Vane::Optional<Mote::String> block;
+  if (line.block) block = *line.block;
+  const std::vector<Value> arguments = {managers.handle(),           descriptors.handle(), fd,   line.format,
+                                        Mote::String(line.snapshot), line.drops,           block};
+  Object("LoamCounters::DebugCountersPrinter", {}).call("printDebugCountersPerAFap", arguments);
+}
+
+}  // namespace
+
+void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd) {
+  if (line.command == "debug") {
+    runDebug(line, state, fd);
+    return;
+  }
+  const auto* command =
+      std::find_if(std::begin(queueCommands), std::end(queueCommands),
+                   [&](const QueueCommand& candidate) { return candidate.name == line.command; });
+  if (command == std::end(queueCommands)) throw InputError("no such command " + line.command);
+  std::vector<Value> arguments = {fd, line.format};
+  for (Value& argument : command->arguments(line, state)) arguments.push_back(std::move(argument));
+  countersPrinter(state).call(command->operation, arguments);
+}
+
+}  // namespace loamshow

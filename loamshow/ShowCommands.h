@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "loamshow/CommandLine.h"
+#include "loamshow/StateFile.h"
+#include "platform/Mote.h"
+
+namespace loamshow {
+
+/// Calls the show operation of the command line's command on the plug-in that is loaded: the answer goes to
+/// `fd`. Raises InputError before anything is written, and passes on whatever the operation raises.
+void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd);
+
+}  // namespace loamshow

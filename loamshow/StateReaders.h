@@ -1,0 +1,18 @@
+#pragma once
+
+// The parts of a state file, each read into the objects it describes. All raise InputError.
+
+#include <vector>
+
+#include "loamshow/JsonDocument.h"
+#include "loamshow/StateFile.h"
+#include "platform/CounterAgent.h"
+#include "platform/HardwareLoam.h"
+
+namespace loamshow {
+
+void readStatus(JsonValue object, Hardware::Loam::Status& status);
+void readCounters(JsonValue object, LoamCounters::MemoryCounterTables& counters);
+void readDebug(JsonValue object, SwitchState& state);
+
+}  // namespace loamshow

@@ -1,0 +1,101 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+#include "loamshow/CommandLine.h"
+#include "loamshow/Interrupts.h"
+#include "loamshow/JsonDocument.h"
+#include "loamshow/Plugin.h"
+#include "loamshow/RegistryReport.h"
+#include "loamshow/ShowCommands.h"
+#include "loamshow/StateFile.h"
+#include "platform/tabula.h"
+
+namespace loamshow {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int exitWhole = 0;
+constexpr int exitFailed = 1;
+constexpr int exitUsage = 2;
+constexpr int exitInterrupted = 130;
+
+constexpr U32 answerFd = STDOUT_FILENO;
+
+fs::path programDirectory() {
+  std::error_code unreadable;
+  return fs::read_symlink("/proc/self/exe", unreadable).parent_path();
+}
+
+std::string statePath(const CommandLine& line) {
+  if (!line.state.empty()) return line.state;
+  const char* fromEnvironment = std::getenv("LOAM_STATE");  // NOLINT(concurrency-mt-unsafe): one thread
+  if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
+  return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
+}
+
+std::string pluginPath(const CommandLine& line) {
+  constexpr const char* fileName = "LoamCounters.so";
+  if (!line.plugin.empty()) return fs::absolute(line.plugin);
+  const fs::path beside = programDirectory() / fileName;
+  return fs::exists(beside) ? beside : programDirectory() / LOAM_PLUGIN_FROM_BIN / fileName;
+}
+
+void print(std::string_view text) {
+  tabula::Printer printer(answerFd, tabula::formatText, true, false, true, 0);
+  printer.addFrills<"%s">(text);
+  printer.close();
+}
+
+int run(const CommandLine& line) {
+  if (!line.notice.empty()) {
+    print(line.notice);
+    return exitWhole;
+  }
+  if (line.command == "registry") {
+    loadPlugin(pluginPath(line));
+    print(line.format == tabula::formatJson ? registryJson() : registryListing());
+    return exitWhole;
+  }
+  const SwitchState state = loadStateFile(statePath(line));
+  mountProcessWide(state);
+  loadPlugin(pluginPath(line));
+  const Interrupts interrupts;
+  runShowCommand(line, state, answerFd);
+  return Interrupts::happened() ? exitInterrupted : exitWhole;
+}
+
+int complain(int status, std::string_view problem) {
+  std::string line(problem);
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+  std::cerr << "loamshow: " << line << std::endl;
+  return status;
+}
+
+}  // namespace
+
+}  // namespace loamshow
+
+int main(int argc, char** argv) {
+  using namespace loamshow;
+  // A reader that has seen enough is no failure to speak of: the write then fails with EPIPE.
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return run(parseCommandLine(argc, argv));
+  } catch (const InputError& error) {
+    return complain(exitUsage, error.what());
+  } catch (const std::system_error& error) {
+    return error.code() == std::errc::broken_pipe ? exitFailed : complain(exitFailed, error.what());
+  } catch (const std::exception& error) {
+    return complain(exitFailed, error.what());
+  }
+}

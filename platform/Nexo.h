@@ -1,0 +1,58 @@
+#pragma once
+
+// Nexo, the network identifier library: interface ids.
+
+#include <string_view>
+
+#include "platform/Mote.h"
+
+namespace Nexo {
+
+/// An interface id: a handle to the one record of its name, which holds both names and the kind. Making one
+/// looks the name up; everything else costs no look-up and no allocation. Records live as long as the
+/// process. The id of the empty name is the default and stands for no interface.
+class IntfId {
+ public:
+  static constexpr std::string_view vaneName = "Nexo::IntfId";
+
+  enum class Kind : U8 { other, ethernet, portChannel, subInterface };
+
+  IntfId() noexcept : record_(&empty_) {}
+  /// Safe in several threads at once.
+  explicit IntfId(std::string_view longName);
+
+  const Mote::String& stringValue() const noexcept { return record_->longName; }
+  /// The abbreviated name, for text columns.
+  const Mote::String& shortName() const noexcept { return record_->shortName; }
+  Kind kind() const noexcept { return record_->kind; }
+
+  bool operator==(const IntfId&) const = default;
+  std::size_t hash() const noexcept { return record_->hash; }
+
+ private:
+  friend class IntfRecords;
+
+  struct Record {
+    Mote::String longName;
+    Mote::String shortName;
+    Kind kind = Kind::other;
+    std::size_t hash = 0;
+    const Record* next = nullptr;  // in its bucket
+  };
+
+  static const Record empty_;
+
+  const Record* record_;
+};
+
+/// Sub-interfaces: the name ends in "." and digits.
+struct SubIntfId {
+  static bool isSubIntfId(IntfId intf) { return intf.kind() == IntfId::Kind::subInterface; }
+};
+
+/// Ethernet interfaces that are no sub-interfaces.
+struct EthIntfId {
+  static bool isEthIntfId(IntfId intf) { return intf.kind() == IntfId::Kind::ethernet; }
+};
+
+}  // namespace Nexo

@@ -1,0 +1,71 @@
+#include "platform/Wisp.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <system_error>
+
+namespace Wisp {
+
+namespace {
+
+constexpr int disabled = -1;
+
+int openTraceFile() {
+  const char* path = std::getenv("LOAM_TRACE");  // NOLINT(concurrency-mt-unsafe): once, while nothing sets it
+  if (path == nullptr || *path == '\0') return disabled;
+  const int fd = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  if (fd < 0) {
+    const std::string reason = std::generic_category().message(errno);
+    std::fprintf(stderr, "trace file %s: %s\n", path, reason.c_str());
+  }
+  return fd;
+}
+
+int traceFile() noexcept {
+  static const int fd = openTraceFile();
+  return fd;
+}
+
+// One write per line, so that the lines of several processes do not mix.
+void append(std::string_view text, std::string_view duration) noexcept {
+  timespec now{};
+  std::timespec_get(&now, TIME_UTC);
+  tm utc{};
+  ::gmtime_r(&now.tv_sec, &utc);
+  std::array<char, 32> time{};
+  std::strftime(time.data(), time.size(), "%Y-%m-%dT%H:%M:%S", &utc);
+  std::array<char, 256> line{};
+  const int size = std::snprintf(line.data(), line.size(), "%s.%06ldZ %.*s%.*s\n", time.data(),
+                                 now.tv_nsec / 1000, static_cast<int>(text.size()), text.data(),
+                                 static_cast<int>(duration.size()), duration.data());
+  // A trace line that cannot be written is lost: tracing never stops a command.
+  [[maybe_unused]] const ssize_t written =
+      ::write(traceFile(), line.data(), std::min(static_cast<std::size_t>(size), line.size() - 1));
+}
+
+}  // namespace
+
+bool enabled() noexcept {
+  return traceFile() != disabled;
+}
+
+void trace(std::string_view text) noexcept {
+  if (enabled()) append(text, {});
+}
+
+void BlockTimer::end() const noexcept {
+  const std::chrono::duration<double, std::micro> elapsed = std::chrono::steady_clock::now() - begin_;
+  std::array<char, 48> duration{};
+  const int size = std::snprintf(duration.data(), duration.size(), " took %.3f us", elapsed.count());
+  append(text_, {duration.data(), static_cast<std::size_t>(size)});
+}
+
+}  // namespace Wisp

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/Mote.h"
+#include "platform/tabula/Format.h"
+#include "platform/vane/Failure.h"
+
+namespace tabula {
+
+class Renderer;
+
+/// What a value becomes: the `format` of an answer.
+inline constexpr U32 formatText = 1;
+inline constexpr U32 formatJson = 2;
+
+/// A text appended as the inside of a JSON string: quotes, backslashes and control bytes escaped, bytes that
+/// are not UTF-8 replaced by U+FFFD.
+void appendEscaped(std::string& out, std::string_view text);
+
+/// Base of the attribute descriptors: a value that appears in JSON under a key. A descriptor may serve many
+/// rows, its value set anew for each.
+class AttrInfo {
+ public:
+  AttrInfo(const AttrInfo&) = delete;
+  AttrInfo& operator=(const AttrInfo&) = delete;
+
+  /// The key as it stands in a JSON answer, with its quotes and colon.
+  std::string_view jsonKey() const noexcept { return jsonKey_; }
+
+ protected:
+  AttrInfo(std::string_view key, const Renderer& renderer);
+  ~AttrInfo() = default;
+
+  void valueSet() noexcept { hasValue_ = true; }
+  /// Fatal without a value, or in an unknown format.
+  void checkValue() const {
+    const bool hasValue = hasValue_ && knownFormat_;
+    VANE_ASSERT(hasValue);
+  }
+
+ private:
+  std::string jsonKey_;
+  bool knownFormat_;
+  bool hasValue_ = false;
+};
+
+/// What getArg() gives: the value in text, the value under its key in JSON.
+struct NumberArg : Arg {
+  using Arg::Arg;
+};
+struct TextArg : Arg {
+  using Arg::Arg;
+};
+
+/// A descriptor of an unsigned 64-bit value.
+class Attr64Info : public AttrInfo {
+ public:
+  Attr64Info(std::string_view key, const Renderer& renderer) : AttrInfo(key, renderer) {}
+
+  void setValue(U64 value) noexcept {
+    value_ = value;
+    valueSet();
+  }
+  NumberArg getArg() const {
+    checkValue();
+    return {value_, this};
+  }
+
+ private:
+  U64 value_ = 0;
+};
+
+/// A descriptor of one machine word, a number or a text; a dictionary entry's key is one.
+class Attr32Info : public AttrInfo {
+ public:
+  Attr32Info(std::string_view key, const Renderer& renderer) : AttrInfo(key, renderer) {}
+
+  void setValue(U32 value) noexcept {
+    word_ = Arg(value, this);
+    valueSet();
+  }
+  Arg getArg() const {
+    checkValue();
+    return word_;
+  }
+
+ protected:
+  void setText(std::string_view text) noexcept {
+    word_ = Arg(text, this);
+    valueSet();
+  }
+
+ private:
+  Arg word_{U32{0}, this};
+};
+
+/// A descriptor that holds its own copy of a text.
+class StringAttrInfo : public Attr32Info {
+ public:
+  StringAttrInfo(std::string_view key, const Renderer& renderer) : Attr32Info(key, renderer) {}
+
+  void setValue(std::string_view text) {
+    text_.assign(text);
+    setText(text_);
+  }
+  void setValue(const char* text, unsigned long length) { setValue(std::string_view(text, length)); }
+  TextArg getArg() const { return {Attr32Info::getArg().text(), this}; }
+
+ private:
+  std::string text_;
+};
+
+}  // namespace tabula

@@ -1,0 +1,233 @@
+#pragma once
+
+// The printf engine. A format is parsed once, at compile time where it is a literal, into pieces; one
+// function writes a piece. With a literal format everything but the arguments is constant where that function
+// is inlined, which leaves a few stores for a column.
+
+#include <algorithm>
+#include <array>
+#include <concepts>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "platform/Mote.h"
+#include "platform/tabula/Digits.h"
+#include "platform/vane/Failure.h"
+
+namespace tabula {
+
+class AttrInfo;
+
+/// One argument of addFrills or addArgs, with the descriptor it came from, if any. Holds no copy of a text.
+class Arg {
+ public:
+  enum class Kind : U8 { text, unsignedNumber, signedNumber };
+
+  constexpr Arg(std::string_view text, const AttrInfo* attr = nullptr)
+      : text_(text.data()), number_(text.size()), attr_(attr), kind_(Kind::text) {}
+  constexpr Arg(const char* text) : Arg(std::string_view(text)) {}
+  constexpr Arg(const Mote::String& text) : Arg(text.view()) {}
+  constexpr Arg(const std::string& text) : Arg(std::string_view(text)) {}
+  template <std::unsigned_integral T>
+  constexpr Arg(T number, const AttrInfo* attr = nullptr)
+      : number_(number), attr_(attr), kind_(Kind::unsignedNumber) {}
+  template <std::signed_integral T>
+  constexpr Arg(T number)
+      : number_(static_cast<U64>(static_cast<std::int64_t>(number))), kind_(Kind::signedNumber) {}
+
+  Arg(bool) = delete;
+  Arg(char) = delete;
+
+  constexpr Kind kind() const { return kind_; }
+  constexpr std::string_view text() const { return {text_, number_}; }
+  constexpr U64 number() const { return number_; }
+  constexpr bool negative() const {
+    return kind_ == Kind::signedNumber && static_cast<std::int64_t>(number_) < 0;
+  }
+  /// Null for a plain value.
+  constexpr const AttrInfo* attr() const { return attr_; }
+
+ private:
+  const char* text_ = nullptr;
+  U64 number_;  // the value, or the size of the text
+  const AttrInfo* attr_ = nullptr;
+  Kind kind_;
+};
+
+/// Literal text of a format, and the conversion after it, if any.
+struct Piece {
+  U32 begin = 0;  // of the literal, in the format
+  U32 size = 0;
+  char conversion = 0;        // 's', 'u', 'd', or 0 for none
+  bool left = false;          // flag "-"
+  bool widthIsArg = false;    // "*": the width comes from an unsigned argument before the value
+  bool hasPrecision = false;  // texts only: the most bytes of it that are written
+  U32 width = 0;
+  U32 precision = 0;
+
+  constexpr std::size_t args() const { return (conversion == 0 ? 0U : 1U) + (widthIsArg ? 1U : 0U); }
+};
+
+namespace detail {
+
+// Takes a piece off the front of the format, from `at` on. Formats are the library's own: anything but
+// %[-][width|*][.precision]{s|u|d|hu|lu|llu} and %% is a mistake in the code, and does not compile.
+constexpr Piece takePiece(std::string_view format, std::size_t& at) {
+  Piece piece;
+  const auto number = [&] {
+    U32 value = 0;
+    while (at < format.size() && format[at] >= '0' && format[at] <= '9') {
+      value = value * 10 + static_cast<U32>(format[at++] - '0');
+    }
+    return value;
+  };
+  const auto skip = [&](char c) {
+    const bool there = at < format.size() && format[at] == c;
+    at += there ? 1 : 0;
+    return there;
+  };
+
+  piece.begin = static_cast<U32>(at);
+  while (at < format.size() && format[at] != '%') ++at;
+  piece.size = static_cast<U32>(at) - piece.begin;
+  if (at == format.size()) return piece;
+  ++at;
+  if (at < format.size() && format[at] == '%') {
+    // "%%": the literal takes its first character, so that it can stay one run of the format.
+    ++piece.size;
+    ++at;
+    return piece;
+  }
+  piece.left = skip('-');
+  piece.widthIsArg = skip('*');
+  if (!piece.widthIsArg) piece.width = number();
+  if (skip('.')) {
+    piece.hasPrecision = true;
+    piece.precision = number();
+  }
+  bool sized = skip('h');
+  while (skip('l')) sized = true;
+  if (skip('s') && !sized) {
+    piece.conversion = 's';
+  } else if (skip('u')) {
+    piece.conversion = 'u';
+  } else if (skip('d') && !sized) {
+    piece.conversion = 'd';
+  }
+  VANE_ASSERT(piece.conversion == 's' || (piece.conversion != 0 && !piece.hasPrecision));
+  return piece;
+}
+
+constexpr std::size_t pieceCount(std::string_view format) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; at < format.size(); ++count) takePiece(format, at);
+  return count;
+}
+
+constexpr bool takes(char conversion, Arg::Kind kind) {
+  switch (conversion) {
+    case 's':
+      return kind == Arg::Kind::text;
+    case 'u':
+      return kind == Arg::Kind::unsignedNumber;
+    default:
+      return kind == Arg::Kind::signedNumber;
+  }
+}
+
+}  // namespace detail
+
+/// A text as a template argument.
+template <std::size_t N>
+struct FixedString {
+  std::array<char, N> text{};
+
+  consteval FixedString(const char (&literal)[N]) { std::copy_n(literal, N, text.begin()); }
+  constexpr std::string_view view() const { return {text.data(), N - 1}; }
+};
+
+/// A literal format, parsed.
+template <FixedString format>
+struct Layout {
+  static constexpr std::string_view text = format.view();
+  static constexpr auto pieces = [] {
+    std::array<Piece, detail::pieceCount(text)> parsed{};
+    std::size_t at = 0;
+    for (Piece& piece : parsed) piece = detail::takePiece(text, at);
+    return parsed;
+  }();
+  static constexpr std::size_t args = [] {
+    std::size_t count = 0;
+    for (const Piece& piece : pieces) count += piece.args();
+    return count;
+  }();
+  /// The index of a piece's first argument.
+  static constexpr std::size_t firstArg(std::size_t piece) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < piece; ++i) count += pieces[i].args();
+    return count;
+  }
+};
+
+/// The width of a piece's column, and the bytes of its value that are written into it.
+constexpr std::size_t columnWidth(const Piece& piece, const Arg* args) {
+  return piece.widthIsArg ? args[0].number() : piece.width;
+}
+constexpr std::string_view columnText(const Piece& piece, const Arg& value) {
+  return piece.hasPrecision ? value.text().substr(0, piece.precision) : value.text();
+}
+
+/// The most bytes that a piece can take.
+constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
+  if (piece.conversion == 0) return piece.size;
+  const std::size_t value =
+      piece.conversion == 's' ? columnText(piece, args[piece.widthIsArg ? 1 : 0]).size() : mostDigits + 1;
+  return piece.size + std::max(columnWidth(piece, args), value);
+}
+
+/// Writes a piece; `at` has room for its bound. Returns the end of what was written.
+[[gnu::always_inline]] inline char* writePiece(char* at, std::string_view format, const Piece& piece,
+                                               const Arg* args) {
+  if (piece.size > 0) std::memcpy(at, format.data() + piece.begin, piece.size);
+  at += piece.size;
+  if (piece.conversion == 0) return at;
+
+  const std::size_t width = columnWidth(piece, args);
+  const Arg& value = args[piece.widthIsArg ? 1 : 0];
+  // The column is blanked as a whole and the value written over it: with a constant width that is a few wide
+  // stores, without a loop over the blanks.
+  std::memset(at, ' ', width);
+  if (piece.conversion == 's') {
+    const std::string_view text = columnText(piece, value);
+    const std::size_t column = std::max(width, text.size());
+    if (!text.empty()) std::memcpy(piece.left ? at : at + column - text.size(), text.data(), text.size());
+    return at + column;
+  }
+  const bool negative = value.negative();
+  const U64 number = negative ? U64{0} - value.number() : value.number();
+  const std::size_t size = digitCount(number) + (negative ? 1U : 0U);
+  const std::size_t column = std::max(width, size);
+  char* begin = writeDigits(piece.left ? at + size : at + column, number);
+  if (negative) *--begin = '-';
+  return at + column;
+}
+
+/// A format known only at run time, parsed.
+class Format {
+ public:
+  explicit Format(Mote::String text) : text_(std::move(text)) {
+    for (std::size_t at = 0; at < text_.size();) pieces_.push_back(detail::takePiece(text_, at));
+  }
+
+  std::string_view text() const { return text_; }
+  const std::vector<Piece>& pieces() const { return pieces_; }
+
+ private:
+  Mote::String text_;
+  std::vector<Piece> pieces_;
+};
+
+}  // namespace tabula

@@ -1,0 +1,47 @@
+#include "platform/tabula/Printer.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <exception>
+#include <system_error>
+
+namespace tabula {
+
+Printer::Printer(int fd, U32 format, bool, bool, bool, U32) : Renderer(format), fd_(fd) {
+}
+
+Printer::~Printer() {
+  const bool endsEarly = std::uncaught_exceptions() > 0;
+  try {
+    close();
+  } catch (const std::exception& failure) {
+    if (!endsEarly) Vane::fatal(failure.what());
+  }
+}
+
+void Printer::close() {
+  flushBuffer();
+}
+
+void Printer::take(std::string_view bytes) {
+  while (!bytes.empty()) {
+    checkInterrupt();
+    const ssize_t written = ::write(fd_, bytes.data(), bytes.size());
+    if (written >= 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EAGAIN) {
+      awaitWritable();
+    } else if (errno != EINTR) {
+      throw std::system_error(errno, std::generic_category(), "cannot write the answer");
+    }
+  }
+}
+
+void Printer::awaitWritable() const {
+  pollfd request{fd_, POLLOUT, 0};
+  ::poll(&request, 1, -1);
+}
+
+}  // namespace tabula

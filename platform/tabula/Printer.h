@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/tabula/Renderer.h"
+
+namespace tabula {
+
+/// The one output object of a show operation: renders an answer to a file descriptor. Writes are carried on
+/// with after partial writes, EINTR and EAGAIN; any other failure raises std::system_error, once, and the
+/// Printer then writes nothing more. An interrupt is noticed inside a blocked write, too.
+class Printer : public Renderer {
+ public:
+  /// `format` is 1 for text, 2 for JSON. The descriptor stays the caller's. The other four say nothing here.
+  Printer(int fd, U32 format, bool, bool, bool, U32);
+  /// Writes what is still buffered. When an exception ends the operation early, those rows are part of the
+  /// answer, and a failure of that write is not heard beside the exception. Otherwise close() comes first,
+  /// since a failure here is fatal.
+  ~Printer() override;
+
+  /// Writes what is still buffered. The answer is whole when this has returned.
+  void close();
+
+ protected:
+  void take(std::string_view bytes) override;
+
+ private:
+  void awaitWritable() const;
+
+  const int fd_;
+};
+
+}  // namespace tabula

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/Mote.h"
+#include "platform/tabula/Attributes.h"
+#include "platform/tabula/Format.h"
+#include "platform/tabula/Interrupt.h"
+
+namespace tabula {
+
+/// Renders one answer into a buffer of fixed size: the table in text, the model in JSON, from the same calls.
+/// The JSON calls nest strictly; a breach (an entry outside a dictionary, a scope closed out of order, a
+/// value outside an object) is a fatal assertion. In text they write nothing. Every call may raise
+/// SigIntException.
+class Renderer : public Mote::Node {
+ public:
+  ~Renderer() override;
+
+  /// Opens and completes the model of the answer.
+  void start();
+  void end();
+  /// An object under `name`.
+  void startSubmodel(std::string_view name);
+  void endSubmodel();
+  /// An object under `name` whose members are dictionary entries.
+  void startDict(std::string_view name);
+  void endDict();
+  /// A member of the current dictionary, an object under the descriptor's value.
+  void startDictEntry(const Attr32Info& key);
+  void endDictEntry();
+
+  /// Writes text as printf does, in the text format only. Returns the number of characters written.
+  template <FixedString format, class... Args>
+  int addFrills(const Args&... args) {
+    checkInterrupt();
+    return json_ ? 0 : write<format>(args...);
+  }
+  /// The same for a format known only at run time.
+  int addFrills(const Format& format, std::span<const Arg> args);
+
+  /// Text: as addFrills. JSON: each descriptor's value becomes a member of the current object, under its key.
+  template <FixedString format, class... Args>
+  void addArgs(const Args&... args) {
+    checkInterrupt();
+    if (json_) {
+      static_assert(Layout<format>::args == sizeof...(Args));
+      (addMember(args), ...);
+    } else {
+      write<format>(args...);
+    }
+  }
+
+  /// Hands on what has been buffered.
+  void ioflush();
+
+  bool knownFormat() const noexcept { return knownFormat_; }
+
+ protected:
+  explicit Renderer(U32 format);
+
+  /// Takes the buffered bytes of the answer, which are then gone from the buffer, whatever it raises.
+  virtual void take(std::string_view bytes) = 0;
+  /// Raises SigIntException when an interrupt is pending. What is buffered is dropped then: nobody waits for
+  /// it, and writing it could block for ever.
+  void checkInterrupt() {
+    if (interruptPending()) [[unlikely]] {
+      throwInterrupt();
+    }
+  }
+  void flushBuffer();
+
+ private:
+  enum class Scope : U8 { model, submodel, dict, entry };
+
+  static constexpr std::size_t capacity = std::size_t{64} * 1024;
+  static constexpr std::size_t deepest = 32;
+
+  template <class T>
+  static constexpr Arg::Kind kindOf() {
+    if constexpr (std::is_integral_v<T>) {
+      return std::is_unsigned_v<T> ? Arg::Kind::unsignedNumber : Arg::Kind::signedNumber;
+    } else {
+      return std::is_same_v<T, NumberArg> ? Arg::Kind::unsignedNumber : Arg::Kind::text;
+    }
+  }
+
+  /// Whether arguments of these kinds are what the format's conversions and widths take.
+  template <class L>
+  static constexpr bool fits(std::span<const Arg::Kind> kinds) {
+    std::size_t next = 0;
+    for (const Piece& piece : L::pieces) {
+      if (piece.widthIsArg && kinds[next++] != Arg::Kind::unsignedNumber) return false;
+      if (piece.conversion != 0 && !detail::takes(piece.conversion, kinds[next++])) return false;
+    }
+    return true;
+  }
+
+  template <FixedString format, class... Args>
+  int write(const Args&... values) {
+    using L = Layout<format>;
+    static_assert(L::args == sizeof...(Args), "an argument for each conversion");
+    static_assert(fits<L>(std::array<Arg::Kind, sizeof...(Args)>{kindOf<std::decay_t<Args>>()...}),
+                  "each argument of its conversion's type");
+    const std::array<Arg, sizeof...(Args)> args{Arg(values)...};
+    return writeLayout<L>(args.data(), std::make_index_sequence<L::pieces.size()>());
+  }
+
+  template <class L, std::size_t... piece>
+  [[gnu::always_inline]] int writeLayout(const Arg* args, std::index_sequence<piece...>) {
+    const std::size_t bound =
+        (std::size_t{0} + ... + pieceBound(L::pieces[piece], args + L::firstArg(piece)));
+    if (bound > room()) [[unlikely]] {
+      return writeAcross(L::text, L::pieces, args);
+    }
+    char* at = at_;
+    ((at = writePiece(at, L::text, L::pieces[piece], args + L::firstArg(piece))), ...);
+    const auto size = static_cast<int>(at - at_);
+    at_ = at;
+    return size;
+  }
+
+  /// Piece by piece, for what the buffer has no room for in one.
+  int writeAcross(std::string_view format, std::span<const Piece> pieces, const Arg* args);
+  /// A piece wider than the whole buffer: its literal, its blanks and its value apart.
+  std::size_t putWide(std::string_view format, const Piece& piece, const Arg* args);
+
+  [[noreturn]] void throwInterrupt();
+  void addMember(const Arg& arg);
+  void open(Scope scope);
+  void close(Scope scope);
+  void putKey(std::string_view key);
+  void putSeparator();
+  void put(std::string_view text);
+  void putBlanks(std::size_t count);
+  void putEscaped(std::string_view text);
+  std::size_t room() const noexcept { return static_cast<std::size_t>(end_ - at_); }
+
+  const bool json_;
+  const bool knownFormat_;
+  const std::unique_ptr<char[]> buffer_;
+  char* at_;
+  char* const end_;
+
+  std::array<Scope, deepest> scopes_{};
+  std::size_t depth_ = 0;
+  bool separate_ = false;  // the next member has one before it
+  bool complete_ = false;
+  std::string escaped_;  // kept for its capacity
+};
+
+}  // namespace tabula

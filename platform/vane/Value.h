@@ -1,0 +1,88 @@
+#pragma once
+
+#include <any>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "platform/Mote.h"
+#include "platform/vane/Failure.h"
+#include "platform/vane/TypeName.h"
+
+namespace Vane {
+
+class Value;
+
+template <class T>
+concept Carried = !std::is_same_v<std::remove_cvref_t<T>, Value>;
+
+/// A value on its way through the generic attribute interface: an argument, a key, an item or a result. It
+/// carries its type, so that a mistaken one is an exception and never a wild read. Enumerators travel as
+/// their number (U8), nodes as counted handles.
+class Value {
+ public:
+  Value() = default;
+
+  // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): the concept keeps copies and moves out
+  template <Carried T>
+  Value(T&& value) : Value(std::in_place, std::remove_cvref_t<T>(std::forward<T>(value))) {}
+
+  bool empty() const noexcept { return !held_.has_value(); }
+  /// The name of the type held, "nothing" when empty.
+  std::string_view type() const noexcept { return type_; }
+
+  /// The value as a T. Raises InternalException when it holds another type; a null handle is a handle of
+  /// every node type, and a handle to a mutable node also one to a constant node.
+  template <class T>
+  T as() const {
+    return Reader<T>::read(*this);
+  }
+
+ private:
+  struct NodeHandle {
+    Mote::Ptr<const Mote::Node> node;
+    bool writable = false;
+  };
+
+  template <class T>
+  struct Reader {
+    static T read(const Value& value) {
+      if constexpr (Enumerated<T>) {
+        return enumFromNumber<T>(value.as<U8>());
+      } else {
+        const T* held = std::any_cast<T>(&value.held_);
+        if (held == nullptr) value.throwMismatch(typeName<T>);
+        return *held;
+      }
+    }
+  };
+
+  template <class T>
+  struct Reader<Mote::Ptr<T>> {
+    static Mote::Ptr<T> read(const Value& value) {
+      const auto* held = std::any_cast<NodeHandle>(&value.held_);
+      if (held == nullptr) value.throwMismatch(typeName<Mote::Ptr<T>>);
+      if (held->node == nullptr) return nullptr;
+      const auto* node = dynamic_cast<const T*>(held->node.get());
+      if (node == nullptr || !(held->writable || std::is_const_v<T>)) {
+        value.throwMismatch(typeName<Mote::Ptr<T>>);
+      }
+      return Mote::Ptr<T>(const_cast<T*>(node));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    }
+  };
+
+  template <class T>
+  Value(std::in_place_t, T value) : held_(std::move(value)), type_(typeName<T>) {}
+  template <class T>
+  Value(std::in_place_t, Mote::Ptr<T> node)
+      : held_(NodeHandle{std::move(node), !std::is_const_v<T>}), type_(typeName<Mote::Ptr<T>>) {}
+  template <Enumerated E>
+  Value(std::in_place_t, E value) : held_(static_cast<U8>(value)), type_(typeName<E>) {}
+
+  [[noreturn]] void throwMismatch(std::string_view expected) const;
+
+  std::any held_;
+  std::string_view type_ = "nothing";
+};
+
+}  // namespace Vane

@@ -1,0 +1,96 @@
+#include "tests/AnswerParts.h"
+
+#include <sstream>
+
+namespace loamtest {
+
+namespace {
+
+std::string columns(int width, const Json& quad) {
+  std::string text;
+  for (const Json& count : quad) text += line(" %*llu", width, count.get<unsigned long long>());
+  return text.substr(1) + "\n";
+}
+
+}  // namespace
+
+std::string ingressHead(const std::string& title) {
+  return title + "\n" +
+         line("%-26s %-7s %18s %18s %18s %18s\n", "Egress", "Traffic", "Pkts", "Octets", "DropPkts",
+              "DropOctets") +
+         line("%-26s %-7s\n", "Port", "Class") + std::string(110, '-') + "\n";
+}
+
+std::string ingressRows(const std::string& name, const Labels& labels, const Quads& quads, int queueWidth) {
+  std::string text;
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    text += line("%-26s %-*s ", name.c_str(), queueWidth, labels[i].c_str()) + columns(18, quads[i]);
+  }
+  return text;
+}
+
+Json ingressJson(const Labels& labels, const Quads& quads, const char* collection) {
+  Json rows = Json::object();
+  for (std::size_t i = 0; i < labels.size(); ++i) rows[labels[i]] = members(quads[i]);
+  return {{collection, rows}};
+}
+
+std::string egressHead() {
+  return "Egress Queue Counters\n" +
+         line("%-20s %-7s %-10s %-10s %17s %17s %17s %17s\n", "Port", "Traffic", "DropPrec", "DestType",
+              "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets") +
+         line("%-20s %-5s\n", "", "Class");
+}
+
+std::string egressRows(const std::string& name, const Labels& labels, const Quads& ucast,
+                       const Quads& mcast) {
+  std::string text;
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    const std::string label = line("%-20s %-7s %-10s ", name.c_str(), labels[i].c_str(), "DP0-3");
+    text += label + line("%-10s ", "UC") + columns(17, ucast[i]);
+    text += label + line("%-10s ", "MC") + columns(17, mcast[i]);
+  }
+  return text;
+}
+
+Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast) {
+  Json json;
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    json["ucastQueues"]["trafficClasses"][labels[i]]["dropPrecedences"]["DP0-3"] = members(ucast[i]);
+  }
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    json["mcastQueues"]["trafficClasses"][labels[i]]["dropPrecedences"]["DP0-3"] = members(mcast[i]);
+  }
+  return json;
+}
+
+Quads ingressQuads(U64 intf, U64 source, int count) {
+  Quads quads;
+  for (int t = 0; t < count; ++t) quads.push_back(quad(ingressBase(intf, source, static_cast<U64>(t))));
+  return quads;
+}
+
+Quads ingressSums(U64 intf, int count) {
+  Quads quads;
+  for (int t = 0; t < count; ++t) quads.push_back(ingressSum(intf, static_cast<U64>(t)));
+  return quads;
+}
+
+Quads egressQuads(U64 kind, U64 intf, U64 destType, const std::vector<U64>& tcs) {
+  Quads quads;
+  for (const U64 t : tcs) quads.push_back(quad(egressBase(kind, intf, t, destType)));
+  return quads;
+}
+
+std::vector<std::string> rowNames(const std::string& text) {
+  std::vector<std::string> names;
+  std::istringstream lines(text);
+  for (std::string row; std::getline(lines, row);) {
+    const std::string name = row.substr(0, row.find(' '));
+    const bool isRow = row.size() > 100 && row.find("Pkts") == std::string::npos && row[0] != '-';
+    if (isRow && (names.empty() || names.back() != name)) names.push_back(name);
+  }
+  return names;
+}
+
+}  // namespace loamtest

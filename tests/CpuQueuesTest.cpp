@@ -1,0 +1,203 @@
+#include <gmock/gmock.h>
+
+#include "tests/AnswerParts.h"
+
+namespace loamtest {
+
+namespace {
+
+constexpr const char* queueTitle =
+    "This indicates the sum of port-dependent queue counters across all input ports.";
+constexpr const char* policerTitle =
+    "This indicates the sum of packets permitted and denied by the port-dependent policers.";
+constexpr const char* perChipTitle =
+    "This indicates the sum of per-chip counts of packets permitted and denied by the port-dependent "
+    "policers.";
+
+/// Classes on ports 24, 56 and 2 (queues) and 12, 22 (policers), and CPU ports 2, 4 and 6: on FAP A, on FAP
+/// B, and without a FAP. Interface names are not in port order.
+Json cpuSwitch() {
+  Json state = smallSwitch();
+  Json& status = state["status"];
+  status["coppClassNumVoqs"] = 2;
+  for (const auto& [port, name] : std::map<std::string, std::string>{{"24", "Zulu"},
+                                                                     {"56", "Alpha"},
+                                                                     {"57", "NotAClass"},
+                                                                     {"2", "CpuTm0"},
+                                                                     {"23", "NotAClassEither"},
+                                                                     {"12", "Police2"},
+                                                                     {"22", "Police1"},
+                                                                     {"4", "CpuB"},
+                                                                     {"6", "CpuNowhere"}}) {
+    status["sppidToIntfId"][port] = name;
+  }
+  status["intfIdToSppid"]["CpuTm0"] = 2;
+  status["intfIdToSppid"]["CpuB"] = 4;
+  status["portMap"]["2"] = {{"fapId", 3}};
+  status["portMap"]["4"] = {{"fapId", 7}};
+  status["portMapToIntfId"] = {{{"fapPortId", 0}, {"fapId", 3}, {"coreId", 0}, {"intfId", "Ethernet1"}},
+                               {{"fapPortId", 1}, {"fapId", 3}, {"coreId", 0}, {"intfId", "Port-Channel1"}},
+                               {{"fapPortId", 65}, {"fapId", 3}, {"coreId", 1}, {"intfId", "Ethernet2"}}};
+  Json& counters = state["counters"];
+  U64 base = 0;
+  for (const char* name : {"Alpha", "CpuTm0", "Police1", "Police2", "Zulu"}) {
+    base += 1000;
+    counters["ingress"].push_back({{"fapId", 3},
+                                   {"coreId", 1},
+                                   {"intfId", name},
+                                   {"queues", {quad(base), quad(base + 100)}},
+                                   {"total", quad(base + 500)}});
+  }
+  for (const char* name : {"CpuTm0", "CpuNowhere"}) counters["egress"][name]["queues"] = {quad(10), quad(20)};
+  for (const char* name : {"CpuB", "CpuNowhere"}) {
+    const Json pair{{"ucast", quad(100)}, {"mcast", quad(200)}};
+    counters["egressTm"][name] = {{"queues", Json(8, pair)}, {"ambiguousTcs", {1}}};
+  }
+  return state;
+}
+
+std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues) {
+  const int width = withQueues ? 10 : 0;
+  return title + "\n" + subtitle +
+         line("%-26s %-*s %18s %18s %18s %18s\n", "CoPP Class", width, withQueues ? "Queue" : "", "Pkts",
+              "Octets", "DropPkts", "DropOctets") +
+         line("%-26s %-*s\n", "Aggregate", width, "") + std::string(withQueues ? 113 : 103, '-') + "\n";
+}
+
+const char* const classes[] = {"Alpha", "CoppSystemDefault", "Zulu"};
+const char* const policers[] = {"Police1", "Police2"};
+const std::map<std::string, U64> bases = {
+    {"Alpha", 1000}, {"CoppSystemDefault", 2000}, {"Police1", 3000}, {"Police2", 4000}, {"Zulu", 5000}};
+
+Json scaled(const Json& quad, U64 factor) {
+  Json scaled = quad;
+  for (Json& count : scaled) count = count.get<U64>() * factor;
+  return scaled;
+}
+
+// CpuTm0 in port mode: the sum of its two queues. CpuB in queue mode: traffic class 5 shares the counter of
+// 1, so seven of eight count. CpuNowhere has no FAP: both.
+const Json tm0 = plus(quad(10), quad(20));
+const Json cpuBUnicast = scaled(quad(100), 7);
+const Json cpuBMulticast = scaled(quad(200), 7);
+
+std::string egressSection() {
+  std::string text =
+      "Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType", "OutEnqPkts",
+                                       "OutEnqOctets", "OutDropPkts", "OutDropOctets");
+  const auto row = [&](const char* name, const char* destType, const Json& q) {
+    text +=
+        line("%-20s %-10s %17llu %17llu %17llu %17llu\n", name, destType, q[0].get<unsigned long long>(),
+             q[1].get<unsigned long long>(), q[2].get<unsigned long long>(), q[3].get<unsigned long long>());
+  };
+  row("CpuTm0", "UC", tm0);
+  row("CpuTm0", "MC", zeros());
+  row("CpuB", "UC", cpuBUnicast);
+  row("CpuB", "MC", cpuBMulticast);
+  row("CpuNowhere", "UC", plus(tm0, cpuBUnicast));
+  row("CpuNowhere", "MC", cpuBMulticast);
+  return text;
+}
+
+Json egressJson() {
+  const auto port = [](const Json& unicast, const Json& multicast) {
+    return Json{{"ucastQueues", {{"queues", {{"0", members(unicast)}}}}},
+                {"mcastQueues", {{"queues", {{"0", members(multicast)}}}}}};
+  };
+  return {{"sources",
+           {{"all",
+             {{"cpuPorts",
+               {{"CpuTm0", port(tm0, zeros())},
+                {"CpuB", port(cpuBUnicast, cpuBMulticast)},
+                {"CpuNowhere", port(plus(tm0, cpuBUnicast), cpuBMulticast)}}}}}}}};
+}
+
+TEST(CpuQueues, ShowsTwoTablesPerFapCore) {
+  std::string expected;
+  Json json;
+  for (const std::string source : {"A.0", "A.1", "B"}) {
+    const bool counted = source == "A.1";
+    Json& cpuClasses = json["ingressVoqs"]["sources"][source]["cpuClasses"];
+    expected += classHead(source + ":", "", true);
+    for (const std::string name : classes) {
+      const U64 base = bases.at(name);
+      const Quads quads = counted ? Quads{quad(base), quad(base + 100)} : Quads{zeros(), zeros()};
+      expected += ingressRows(name, {"TC0", "TC1"}, quads, 10);
+      cpuClasses[name] = ingressJson({"TC0", "TC1"}, quads, "ports");
+    }
+    expected += "\n" + classHead(source + ":", std::string(perChipTitle) + "\n", false);
+    for (const std::string name : policers) {
+      const Quads total = {counted ? quad(bases.at(name) + 500) : zeros()};
+      expected += ingressRows(name, {""}, total, 0);
+      cpuClasses[name] = ingressJson({""}, total, "ports");
+    }
+    expected += "\n";
+  }
+  json["egressQueues"] = egressJson();
+  EXPECT_EQ(answer(cpuSwitch(), {"cpu"}), expected + egressSection());
+  EXPECT_EQ(answer(cpuSwitch(), {"cpu", "-j"}), json.dump() + "\n");
+}
+
+TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
+  std::string expected = classHead("Aggregate CPU counters:", std::string(queueTitle) + "\n", false);
+  Json json;
+  Json& cpuClasses = json["ingressVoqs"]["sources"]["all"]["cpuClasses"];
+  for (const std::string name : classes) {
+    expected += ingressRows(name, {""}, {quad(bases.at(name) + 500)}, 0);
+    cpuClasses[name] = ingressJson({""}, {quad(bases.at(name) + 500)}, "ports");
+  }
+  expected += "\n" + classHead("Aggregate CPU counters:", std::string(policerTitle) + "\n", false);
+  for (const std::string name : policers) {
+    expected += ingressRows(name, {""}, {quad(bases.at(name) + 500)}, 0);
+    cpuClasses[name] = ingressJson({""}, {quad(bases.at(name) + 500)}, "ports");
+  }
+  json["egressQueues"] = egressJson();
+  EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary"}), expected + "\n" + egressSection());
+  EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary", "--per-port", "-j"}), json.dump() + "\n");
+}
+
+TEST(CpuQueues, LabelsVoqsByInputPort) {
+  const Json json = Json::parse(answer(cpuSwitch(), {"cpu", "--per-port", "-j"}))["ingressVoqs"]["sources"];
+  const auto labels = [&](const char* source) {
+    std::vector<std::string> names;
+    for (const auto& [label, row] : json[source]["cpuClasses"]["Alpha"]["ports"].items())
+      names.push_back(label);
+    return names;
+  };
+  // A core's ports count from 64 times its number, and the label of an unmapped one from 0.
+  EXPECT_THAT(labels("A.0"), testing::ElementsAre("Et1", "Port1"));
+  EXPECT_THAT(labels("A.1"), testing::ElementsAre("Port0", "Et2"));
+  EXPECT_THAT(labels("B"), testing::ElementsAre("Port0", "Port1"));
+}
+
+TEST(CpuQueues, Core5CountsItsPortsFromZero) {
+  Json state = cpuSwitch();
+  state["status"]["fapNumCores"] = {{"3", 6}};
+  state["status"]["coppClassNumVoqs"] = 1;  // port 256 of core 4 is the last that there can be
+  state["status"]["portMapToIntfId"] = {
+      {{"fapPortId", 0}, {"fapId", 3}, {"coreId", 5}, {"intfId", "Ethernet7"}}};
+  const Json json = Json::parse(answer(state, {"cpu", "--per-port", "-j"}))["ingressVoqs"]["sources"];
+  EXPECT_TRUE(json["A.5"]["cpuClasses"]["Zulu"]["ports"].contains("Et7"));
+  EXPECT_TRUE(json["A.4"]["cpuClasses"]["Zulu"]["ports"].contains("Port0"));
+  state["status"]["coppClassNumVoqs"] = 2;
+  try {
+    answer(state, {"cpu", "--per-port"});
+    ADD_FAILURE() << "port 257 is none";
+  } catch (const Vane::RangeException& error) {
+    EXPECT_STREQ(error.what(),
+                 "Hardware::Loam::FapPortId::value < Hardware::Loam::FapPortId::min or > "
+                 "Hardware::Loam::FapPortId::null not allowed");
+  }
+}
+
+TEST(CpuQueues, ClassesOfTheFirstSwitchThatHasAnyStay) {
+  Json bare = smallSwitch();
+  const std::string headsOnly = answer(bare, {"cpu", "--summary"});
+  EXPECT_EQ(headsOnly.find("Alpha"), std::string::npos);
+  EXPECT_NE(answer(cpuSwitch(), {"cpu", "--summary"}).find("Alpha"), std::string::npos);
+  EXPECT_NE(answer(bare, {"cpu", "--summary"}).find("Alpha"), std::string::npos);
+}
+
+}  // namespace
+
+}  // namespace loamtest

@@ -1,0 +1,271 @@
+#include <gmock/gmock.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "LoamCounters/DebugCountersPrinter/DebugCountersPrinter.h"
+#include "LoamCounters/DebugCountersPrinter/FapReport.h"
+#include "tests/Support.h"
+
+namespace loamtest {
+
+namespace {
+
+using namespace LoamCounters;
+using namespace Brim::Counters;
+
+// 1970-01-01 00:00:00 UTC at the switch's clock is -100.
+Json debugSwitch() {
+  return Json::parse(R"({"debug": {"switchTimeOffset": 100, "faps": {
+    "Fap10": {"directory": null, "snapshots": {}},
+    "fap2": {
+      "directory": {"valid": true, "readiness": 3, "blocks": {
+        "b10": {"Only": {"numInstances": 1, "displayName": "Plain"}},
+        "Upper": {"Lost": {"numInstances": 1}},
+        "b9": {
+          "c10": {"numInstances": 3, "fetchType": 1, "offset": 1, "isDropCounter": true},
+          "c9": {"displayName": "Named", "firstInstance": 4, "numInstances": 2, "offset": 4294967292},
+          "f": {"numInstances": 2, "firstInstance": 1, "displayType": 0, "fields": {
+            "a": {"order": 2, "offset": 2, "fetchType": 2, "isDropCounter": true},
+            "b": {"order": 1, "offset": 1, "fetchType": 3, "displayName": "First"}}},
+          "none": {"numInstances": 0},
+          "wraps": {"firstInstance": 4294967294, "numInstances": 2}
+        }}},
+      "snapshots": {"current": [
+        {"value": 7, "firstUpdate": 1, "lastUpdate": 61.5, "lastDiscontinuity": 1},
+        {"value": 18446744073709551615, "lastUpdate": 0.5, "overflow": true, "lastDiscontinuity": 5},
+        {"value": 5, "firstUpdate": 20, "lastUpdate": 1e300, "lastDiscontinuity": 19.5}
+      ], "old": [{"value": 1}]}
+    }}}})");
+}
+
+const std::string columnTitles = line("%-53s   %-15s   %-19s   %-19s   %-19s\n", "Counter name", "Value",
+                                      "First update", "Last update", "Last discontinuity");
+
+std::string title(const std::string& fap) {
+  return "\n" + fap + " Counters (* indicates overflow)\n" + std::string(fap.size() + 32, '-') + "\n" +
+         columnTitles;
+}
+
+std::string counterLine(char sign, const char* name, const char* value, const char* first, const char* last,
+                        const char* discontinuity = nullptr) {
+  return line("  %c%-50s : %15s : %-19s : %-19s", sign, name, value, first, last) +
+         (discontinuity == nullptr ? "" : line(" : %s", discontinuity)) + "\n";
+}
+
+const std::string lineC10 = counterLine('*', "c10[0]", "18446744073709551615", "", "1970-01-01 00:01:40") +
+                            counterLine(' ', "c10[1]", "5", "", "invalid") +
+                            counterLine(' ', "c10[2]", "n/a", "", "never");
+const std::string fieldA1 = counterLine(' ', "a[1]", "n/a", "", "never");
+const std::string fieldA2 = counterLine(' ', "a[2]", "n/a", "", "never");
+const std::string blockB9 =
+    "[B9]\n" +
+    // The offset wraps: instance 4 is record 0.
+    counterLine(' ', "Named[4]", "7", "1970-01-01 00:01:41", "1970-01-01 00:02:41", "1970-01-01 00:01:41") +
+    counterLine('*', "Named[5]", "18446744073709551615", "never", "1970-01-01 00:01:40",
+                "1970-01-01 00:01:45") +
+    lineC10 + counterLine(' ', "First[1]", "5", "", "invalid") + fieldA1 +
+    counterLine(' ', "First[2]", "n/a", "", "never") + fieldA2;
+const std::string blockB10 = "[B10]\n" + counterLine(' ', "Plain", "7", "1970-01-01 00:01:41",
+                                                     "1970-01-01 00:02:41", "1970-01-01 00:01:41");
+const std::string lastFap = title("Fap10") + "FapDescriptors are not valid for: Fap10";
+
+TEST(DebugReport, ShowsFapsBlocksAndCountersInNaturalOrder) {
+  EXPECT_EQ(answer(debugSwitch(), {"debug"}), title("fap2") + blockB9 + blockB10 + lastFap);
+  EXPECT_EQ(answer(debugSwitch(), {"debug", "--drops"}),
+            title("fap2") + "[B9]\n" + lineC10 + fieldA1 + fieldA2 + lastFap);
+  EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "b10"}), title("fap2") + blockB10 + lastFap);
+  EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "B10", "--snapshot", "old"}),
+            title("fap2") + "[B10]\n" + counterLine(' ', "Plain", "1", "never", "never") + lastFap);
+  // The key of block Upper is not in lower case: nothing finds it.
+  EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "Upper"}), title("fap2") + lastFap);
+  EXPECT_EQ(answer(debugSwitch(), {"debug", "-j"}), "");
+  EXPECT_EQ(answer(Json::object(), {"debug"}), "");
+}
+
+TEST(DebugReport, StopsAtWhatItCannotShow) {
+  Json state = debugSwitch();
+  Json& faps = state["debug"]["faps"];
+  const auto raised = [&] {
+    try {
+      answer(state, {"debug"});
+    } catch (const Vane::InternalException& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  faps["fap2"]["directory"]["blocks"]["b10"]["Only"]["fetchType"] = 4;
+  EXPECT_EQ(raised(), "unsupported fetch type");
+  faps["fap2"]["directory"]["blocks"]["b10"]["Only"] = {{"numInstances", 1}, {"displayType", 1}};
+  EXPECT_EQ(raised(), "unsupported display type");
+  faps["fap2"].erase("snapshots");
+  EXPECT_THAT(raised(), testing::HasSubstr("fap2"));
+}
+
+/// One block per name, each with counters "c1" and "c2" of one instance.
+Mote::Ptr<CounterDescriptorDir> fill(const Mote::Ptr<CounterDescriptorDir>& directory, int blocks) {
+  for (int i = 1; i <= blocks; ++i) {
+    const auto block = Mote::make<CounterBlockDescriptorPtrDir>();
+    for (const char* name : {"c1", "c2"}) {
+      const auto counter = Mote::make<CounterDescriptor>();
+      counter->displayName = name;
+      counter->numInstances = 1;
+      block->counterDescriptors.set(name, counter);
+    }
+    directory->blockToDescriptor.set("b" + std::to_string(i), block);
+  }
+  directory->validIs(true);
+  directory->readinessIs(1);
+  return directory;
+}
+
+std::string report(const CounterDescriptorDir::PtrConst& directory, const ShmemManager::PtrConst& manager) {
+  const auto descriptor = Mote::make<FapDescriptor>();
+  descriptor->counterDescriptorDir = directory;
+  const auto descriptors = fapDescriptorMappingFactory();
+  const auto managers = shmemMgrMappingFactory();
+  for (const char* fap : {"F1", "F2"}) {
+    descriptors->fapDescriptorIs(fap, descriptor);
+    managers->shmemMgrIs(fap, manager);
+  }
+  const MemoryFile file;
+  debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, file.fdNumber(), 1, "now",
+                                                           false, {});
+  return file.content();
+}
+
+/// A manager that does something to its surroundings at its nth read.
+class Meddler : public ShmemManager {
+ public:
+  Meddler(int at, std::function<void()> meddle)
+      : ShmemManager(ShmemWriter({}).fd(), "F1"), at_(at), meddle_(std::move(meddle)) {}
+  Counter counter(const Mote::String&, U32) const override {
+    if (++reads_ == at_) meddle_();
+    return {};
+  }
+
+ private:
+  int at_;
+  std::function<void()> meddle_;
+  mutable int reads_ = 0;
+};
+
+TEST(DebugReport, FollowsADirectoryThatChanges) {
+  const auto line1 = counterLine(' ', "c1", "0", "never", "never");
+  const auto line2 = counterLine(' ', "c2", "0", "never", "never");
+  const auto block = [&](int i) { return "[B" + std::to_string(i) + "]\n" + line1 + line2; };
+  const auto directory = fill(Mote::make<CounterDescriptorDir>(), 5);
+
+  // Read 4 is the last of the second block.
+  EXPECT_EQ(report(directory, Mote::make<Meddler>(4, [&] { directory->readinessIs(0); })),
+            title("F1") + block(1) + block(2) + "FapDescriptors are not valid for: F1" + title("F2") +
+                "FapDescriptors are not valid for: F2");
+
+  fill(directory, 2);
+  for (const char* name : {"b3", "b4", "b5"}) directory->blockToDescriptor.remove(name);
+  const auto second = directory->blockToDescriptor.get("b2");
+  const auto removeC2 = [&] {
+    const_cast<CounterBlockDescriptorPtrDir&>(*second).counterDescriptors.remove("c2");
+  };
+  const std::string shortened = block(1) + "[B2]\n" + line1;
+  EXPECT_EQ(report(directory, Mote::make<Meddler>(3, removeC2)),
+            title("F1") + shortened + title("F2") + shortened);
+}
+
+TEST(DebugReport, PiecesComposeABlock) {
+  const auto printer = debugCountersPrinterFactory();
+  const auto counter = Mote::make<CounterDescriptor>();
+  counter->displayName = "C";
+  counter->numInstances = 2;
+  const auto manager = Mote::make<ShmemManager>(ShmemWriter({{"now", {Counter{.value = 3}}}}).fd(), "F");
+  const MemoryFile file;
+  const U32 fd = file.fdNumber();
+  printer->printFapName(fd, 1, "F");
+  printer->printDebugCountersHeader(fd, 1);
+  const auto print = [&](bool drops, bool section, U32 instance) {
+    return printer->printDebugCounter(fd, 1, counter, "now", manager, drops, section, "Block", instance,
+                                      " (x)");
+  };
+  EXPECT_TRUE(print(true, true, 0)) << "nothing printed: the section line stays due";
+  EXPECT_FALSE(print(false, true, 0));
+  EXPECT_FALSE(print(false, false, 1));
+  EXPECT_EQ(file.content(), title("F") + "[Block]\n" + counterLine(' ', "C[0] (x)", "3", "never", "never") +
+                                counterLine(' ', "C[1] (x)", "0", "never", "never"));
+}
+
+TEST(DebugReport, TracesWhenAskedTo) {
+  const std::string path = testing::TempDir() + "loam-trace-" + std::to_string(::getpid());
+  ::setenv("LOAM_TRACE", path.c_str(), 1);
+  answer(debugSwitch(), {"debug"});
+  std::ifstream file(path);
+  std::string first;
+  std::string second;
+  std::getline(file, first);
+  std::getline(file, second);
+  constexpr const char* time = "20..-..-..T..:..:..[.]......Z ";
+  EXPECT_THAT(first, testing::MatchesRegex(std::string(time) + "printDebugCountersFap"));
+  EXPECT_THAT(second, testing::MatchesRegex(std::string(time) + "printDebugCountersFap took .* us"));
+  ::unlink(path.c_str());
+}
+
+TEST(Shmem, RefusesDamagedRegions) {
+  const ShmemWriter writer({{"now", {Counter{.value = 3}, Counter{.value = 4}}}, {"", {}}});
+  std::string whole(192, '\0');
+  whole.resize(static_cast<std::size_t>(::pread(writer.fd(), whole.data(), whole.size(), 0)));
+  const auto refused = [](const std::string& region) {
+    try {
+      const ShmemManager manager(MemoryFile(region).fd(), "F");
+      return std::string();
+    } catch (const Vane::InternalException& error) {
+      return std::string(error.what());
+    }
+  };
+  EXPECT_EQ(refused(whole), "");
+  const auto with = [&](std::size_t offset, U64 value) {
+    std::string damaged = whole;
+    std::memcpy(damaged.data() + offset, &value, sizeof value);
+    return damaged;
+  };
+  constexpr std::size_t snapshot = sizeof(RegionHeader);
+  for (const std::string& damaged :
+       {whole.substr(0, whole.size() - 1), whole.substr(0, 10), std::string(),
+        with(offsetof(RegionHeader, magic), 1), with(offsetof(RegionHeader, version), 2),
+        with(offsetof(RegionHeader, version), 0xffffffff00000001),
+        with(snapshot + offsetof(SnapshotHeader, name), ~U64{0}),
+        with(snapshot + offsetof(SnapshotHeader, records), whole.size()),
+        with(snapshot + offsetof(SnapshotHeader, records), 73),
+        with(snapshot + offsetof(SnapshotHeader, nameSize), 0xffffffff00000003)}) {
+    EXPECT_THAT(refused(damaged), testing::StartsWith("counter region F: "));
+  }
+}
+
+// Another process writes a record over and over; every field read is one that it wrote.
+TEST(Shmem, NeverReadsATornField) {
+  const auto record = [](U64 value) {
+    const Vane::Seconds time(static_cast<double>(value >> 32U));
+    return Counter{value, time, time, time, value != 0};
+  };
+  constexpr U64 values[] = {0, 0xffffffffffffffff};
+  ShmemWriter writer({{"now", {record(0)}}});
+  const ShmemManager manager(writer.fd(), "F");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    for (U64 i = 0;; ++i) writer.counterIs(0, 0, record(values[i % 2]));
+  }
+  for (int i = 0; i < 2'000'000; ++i) {
+    const Counter read = manager.counter("now", 0);
+    ASSERT_TRUE(read.value == values[0] || read.value == values[1]) << read.value;
+    ASSERT_TRUE(read.lastUpdate == record(values[0]).lastUpdate ||
+                read.lastUpdate == record(values[1]).lastUpdate);
+  }
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+}
+
+}  // namespace
+
+}  // namespace loamtest

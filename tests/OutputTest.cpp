@@ -1,0 +1,264 @@
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <random>
+#include <thread>
+
+#include "platform/tabula.h"
+#include "tests/Support.h"
+
+namespace loamtest {
+
+namespace {
+
+using tabula::Arg;
+
+constexpr U32 text = tabula::formatText;
+constexpr U32 json = tabula::formatJson;
+
+/// What the calls write.
+template <class Calls>
+std::string printed(U32 format, Calls calls) {
+  const MemoryFile file;
+  tabula::Printer printer(file.fd(), format, true, false, true, 0);
+  calls(printer);
+  printer.close();
+  return file.content();
+}
+
+TEST(Format, WritesWhatPrintfWrites) {
+  std::mt19937_64 random(1);
+  const auto pick = [&](U64 below) { return random() % below; };
+  for (int i = 0; i < 20'000; ++i) {
+    // One conversion between literals, with random flags, width, precision, size and value.
+    std::string format = std::string("<%%") + (pick(2) != 0 ? "-" : "") + "x%";
+    std::string ours;
+    if (pick(2) != 0) format += '-';
+    const int width = static_cast<int>(pick(30));
+    const bool widthIsArg = pick(3) == 0;
+    format += widthIsArg ? "*" : pick(4) == 0 ? "" : std::to_string(width);
+    std::vector<Arg> args;
+    if (widthIsArg) args.emplace_back(static_cast<U32>(width));
+    std::string expected;
+    const auto expect = [&](auto value) {
+      expected = widthIsArg ? line(format.c_str(), width, value) : line(format.c_str(), value);
+    };
+    const std::string value(pick(40), static_cast<char>('a' + pick(26)));
+    const U64 number = random() >> pick(64);
+    switch (pick(4)) {
+      case 0:
+        if (pick(2) != 0) format += '.' + std::to_string(pick(30));
+        format += "s>";
+        args.emplace_back(value);
+        expect(value.c_str());
+        break;
+      case 1:
+        format += "llu>";
+        args.emplace_back(number);
+        expect(static_cast<unsigned long long>(number));
+        break;
+      case 2:
+        format += "hu>";
+        args.emplace_back(static_cast<U16>(number));
+        expect(static_cast<unsigned short>(number));
+        break;
+      default:
+        format += "d>";
+        args.emplace_back(static_cast<int>(number));
+        expect(static_cast<int>(number));
+    }
+    int size = 0;
+    EXPECT_EQ(printed(text, [&](auto& printer) { size = printer.addFrills(tabula::Format(format), args); }),
+              expected)
+        << format;
+    EXPECT_EQ(size, static_cast<int>(expected.size()));
+  }
+}
+
+TEST(Format, LiteralFormatsAreTheSameEngine) {
+  const std::string name = "Ethernet1/1";
+  EXPECT_EQ(printed(text,
+                    [&](auto& printer) {
+                      printer.template addFrills<"%-5s|%5s|%-20s|%.3s|%%|%-*s|%hu\n">(name, "ab", name, name,
+                                                                                      14U, name, U16{7});
+                      printer.template addFrills<"%5u|%-5u|%d|%llu">(123456U, 12U, -5, ~U64{0});
+                    }),
+            line("%-5s|%5s|%-20s|%.3s|%%|%-*s|%d\n", name.c_str(), "ab", name.c_str(), name.c_str(), 14,
+                 name.c_str(), 7) +
+                line("%5u|%-5u|%d|%llu", 123456U, 12U, -5, ~0ULL));
+}
+
+TEST(Printer, CarriesTextLargerThanItsBuffer) {
+  const std::string wide(150'000, 'w');
+  std::string expected;
+  const std::string got = printed(text, [&](auto& printer) {
+    for (U32 i = 0; i < 5000; ++i) {
+      EXPECT_EQ(printer.template addFrills<"%-30s %17llu\n">("row", U64{i}), 49);
+      expected += line("%-30s %17u\n", "row", i);
+    }
+    EXPECT_EQ(printer.template addFrills<"[%s]">(wide), 150'002);
+    EXPECT_EQ(printer.template addFrills<"%*u|%-*u.">(100'000U, 7U, 70'000U, 8U), 170'002);
+  });
+  EXPECT_EQ(got, expected + "[" + wide + "]" + line("%100000u|%-70000u.", 7, 8));
+}
+
+TEST(Printer, JsonEscapesAndNests) {
+  EXPECT_EQ(printed(json,
+                    [](auto& printer) {
+                      tabula::StringAttrInfo name("na\"me", printer);
+                      tabula::Attr32Info word("word", printer);
+                      tabula::Attr64Info count("count", printer);
+                      printer.template addFrills<"heading %s\n">("x");
+                      printer.start();
+                      printer.startDict("d\n");
+                      for (const std::string_view value :
+                           {std::string_view("q\"\\/\b\f\n\r\t\x01\x7f\0", 12),
+                            std::string_view("\xc3\xa4\xf0\x9f\x98\x80"),
+                            // Broken: alone, overlong, surrogate, above the last, cut off.
+                            std::string_view("\x80|\xc0\xaf|\xed\xa0\x80|\xf4\x90\x80\x80|\xe2\x82")}) {
+                        name.setValue(value);
+                        printer.startDictEntry(name);
+                        printer.template addArgs<"%s">(name.getArg());
+                        printer.endDictEntry();
+                      }
+                      word.setValue(7);
+                      printer.startDictEntry(word);
+                      count.setValue(~U64{0});
+                      printer.template addArgs<"%llu %llu">(count.getArg(), count.getArg());
+                      printer.endDictEntry();
+                      printer.endDict();
+                      printer.startSubmodel("empty");
+                      printer.endSubmodel();
+                      printer.end();
+                    }),
+            R"({"d\n":{"q\"\\/\b\f\n\r\t\u0001)"
+            "\x7f"
+            R"(\u0000":{"na\"me":"q\"\\/\b\f\n\r\t\u0001)"
+            "\x7f"
+            R"(\u0000"},"ä😀":{"na\"me":"ä😀"},)"
+            R"("�|��|���|����|�":{"na\"me":"�|��|���|����|�"},)"
+            R"("7":{"count":18446744073709551615,"count":18446744073709551615}},"empty":{}})"
+            "\n");
+}
+
+TEST(Printer, RefusesBrokenNesting) {
+  const auto dies = [](const char* message, auto calls) { EXPECT_DEATH(printed(json, calls), message); };
+  dies("insideDict", [](auto& printer) {
+    tabula::StringAttrInfo key("", printer);
+    key.setValue("");
+    printer.start();
+    printer.startDictEntry(key);
+  });
+  dies("insideObject", [](auto& printer) { printer.startDict("d"); });
+  dies("insideObject", [](auto& printer) {
+    printer.start();
+    printer.startDict("d");
+    printer.startSubmodel("s");
+  });
+  dies("closesInnermost", [](auto& printer) {
+    printer.start();
+    printer.startDict("d");
+    printer.endSubmodel();
+  });
+  dies("closesInnermost", [](auto& printer) {
+    printer.start();
+    printer.startDict("d");
+    printer.end();
+  });
+  dies("startedOnce", [](auto& printer) {
+    printer.start();
+    printer.end();
+    printer.start();
+  });
+  dies("isDescriptor", [](auto& printer) {
+    printer.start();
+    printer.template addArgs<"%s">("n/a");
+  });
+  dies("hasValue", [](auto& printer) { tabula::Attr64Info("a", printer).getArg(); });
+  EXPECT_DEATH(printed(3,
+                       [](auto& printer) {
+                         tabula::Attr64Info info("a", printer);
+                         info.setValue(1);
+                         info.getArg();
+                       }),
+               "hasValue");
+}
+
+TEST(Printer, CarriesOnWithAReaderThatIsSlow) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
+  ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
+  ::fcntl(ends[0], F_SETFL, 0);
+  std::string got;
+  std::thread reader([&] {
+    std::array<char, 1000> part{};
+    for (ssize_t size = 0; (size = ::read(ends[0], part.data(), part.size())) > 0;) {
+      got.append(part.data(), static_cast<std::size_t>(size));
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+  });
+  std::string expected;
+  {
+    tabula::Printer printer(ends[1], text, true, false, true, 0);
+    for (U32 i = 0; i < 20'000; ++i) {
+      printer.addFrills<"%10u\n">(i);
+      expected += line("%10u\n", i);
+      if (i % 100 == 0) printer.ioflush();
+    }
+    printer.close();
+  }
+  ::close(ends[1]);
+  reader.join();
+  ::close(ends[0]);
+  EXPECT_EQ(got, expected);
+}
+
+TEST(Printer, ReportsAFailedWriteOnce) {
+  const int full = ::open("/dev/full", O_WRONLY);
+  {
+    tabula::Printer printer(full, text, true, false, true, 0);
+    printer.addFrills<"row\n">();
+    try {
+      printer.ioflush();
+      ADD_FAILURE() << "a full device took the row";
+    } catch (const std::system_error& error) {
+      EXPECT_EQ(error.code().value(), ENOSPC);
+    }
+  }
+  {
+    tabula::Printer printer(full, text, true, false, true, 0);
+    printer.addFrills<"row\n">();
+    EXPECT_THROW(printer.close(), std::system_error);
+    printer.close();  // what failed is gone
+  }
+  EXPECT_DEATH(
+      {
+        tabula::Printer printer(full, text, true, false, true, 0);
+        printer.addFrills<"never closed\n">();
+      },
+      "No space left on device");
+  ::close(full);
+}
+
+TEST(Printer, AnInterruptDropsWhatIsBuffered) {
+  const MemoryFile file;
+  testing::internal::CaptureStdout();
+  tabula::endingOnInterrupt([&] {
+    tabula::Printer printer(file.fd(), text, true, false, true, 0);
+    printer.addFrills<"flushed\n">();
+    printer.ioflush();
+    printer.addFrills<"buffered\n">();
+    tabula::interrupt();
+    printer.addFrills<"never\n">();
+  });
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n");
+  EXPECT_EQ(file.content(), "flushed\n");
+  EXPECT_FALSE(tabula::interruptPending());
+}
+
+}  // namespace
+
+}  // namespace loamtest

@@ -1,0 +1,258 @@
+// The real program, on pipes, a pseudo-terminal and a full device.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "tests/Support.h"
+
+namespace loamtest {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+/// A running program, its standard output and error on descriptors of the test's choice.
+class Program {
+ public:
+  Program(const std::vector<std::string>& arguments, int out, int err) {
+    std::vector<std::string> words = {LOAMSHOW};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    pid_ = ::fork();
+    if (pid_ != 0) return;
+    ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+    ::dup2(out, STDOUT_FILENO);
+    ::dup2(err, STDERR_FILENO);
+    ::unsetenv("LOAM_STATE");
+    ::execv(LOAMSHOW, argv.data());
+    ::_exit(127);
+  }
+
+  void signal(int number) const { ::kill(pid_, number); }
+  /// The exit status; -1 when it does not end within ten seconds, and 1000 + the signal that killed it.
+  int status() const {
+    int status = 0;
+    for (int i = 0; i < 1000; ++i) {
+      if (::waitpid(pid_, &status, WNOHANG) == pid_) {
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    signal(SIGKILL);
+    ::waitpid(pid_, &status, 0);
+    return -1;
+  }
+
+ private:
+  pid_t pid_;
+};
+
+struct Ran {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+Ran run(const std::vector<std::string>& arguments) {
+  const MemoryFile out;
+  const MemoryFile err;
+  const int status = Program(arguments, out.fd(), err.fd()).status();
+  return {status, out.content(), err.content()};
+}
+
+struct Pipe {
+  explicit Pipe(int capacity = 4096) {
+    if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
+    ::fcntl(ends[1], F_SETPIPE_SZ, capacity);
+  }
+  ~Pipe() {
+    closeEnd(0);
+    closeEnd(1);
+  }
+  void closeEnd(int end) {
+    if (ends[end] >= 0) ::close(std::exchange(ends[end], -1));
+  }
+  int buffered() const {
+    int size = 0;
+    ::ioctl(ends[0], FIONREAD, &size);
+    return size;
+  }
+  /// Waits until the pipe takes no more of what its writer has: its content has stopped growing.
+  void awaitFull() const {
+    for (int last = -1; buffered() == 0 || buffered() != last;) {
+      last = buffered();
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+  }
+  std::string drain() {
+    closeEnd(1);
+    std::string content;
+    std::array<char, 4096> part{};
+    for (ssize_t size = 0; (size = ::read(ends[0], part.data(), part.size())) > 0;) {
+      content.append(part.data(), static_cast<std::size_t>(size));
+    }
+    return content;
+  }
+  int ends[2] = {-1, -1};
+};
+
+TEST(Program, AnswersOnTheSampleInBothFormats) {
+  for (const std::vector<std::string>& command :
+       std::vector<std::vector<std::string>>{{"queues"},
+                                             {"queues", "--internal"},
+                                             {"ingress", "--internal"},
+                                             {"cpu"},
+                                             {"cpu", "--summary"},
+                                             {"cpu", "--per-port"},
+                                             {"drops"},
+                                             {"acl"},
+                                             {"mtu"},
+                                             {"registry"}}) {
+    const Ran text = run(command);
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_GT(text.out.size(), 200U);
+    std::vector<std::string> asJson = command;
+    asJson.emplace_back("--json");
+    const Ran json = run(asJson);
+    EXPECT_EQ(json.status, 0) << json.err;
+    EXPECT_TRUE(Json::accept(json.out)) << command.front();
+    EXPECT_EQ(text.err + json.err, "");
+  }
+  EXPECT_THAT(run({"debug", "--drops"}).out, HasSubstr("[CGM]\n"));
+}
+
+TEST(Program, ExplainsWrongUsage) {
+  std::ofstream(testing::TempDir() + "bad.json") << R"({"status": 1})";
+  const std::string bad = testing::TempDir() + "bad.json";
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* error;
+  };
+  const Case cases[] = {
+      {{}, "A subcommand is required (see --help)"},
+      {{"bogus"}, "no such command bogus (see --help)"},
+      {{"--bogus", "mtu"}, "The following argument was not expected: --bogus (see --help)"},
+      {{"mtu", "-f", "xml"}, "--format: xml not in {text,json} (see --help)"},
+      {{"queues", "Ethernet99"}, "no such interface \"Ethernet99\""},
+      {{"-s", "/nowhere.json", "mtu"}, "/nowhere.json: cannot read: No such file or directory"},
+      {{"-s", "/", "mtu"}, "/: cannot read: Is a directory"},
+      {{"-s", "-", "mtu"}, "standard input: parse error at line 1, column 1: .*"},
+      {{"-s", bad, "mtu"}, ".*bad.json: /status: expected an object"},
+      {{"--plugin", "/nowhere.so", "mtu"}, "cannot load the plug-in: /nowhere.so: .*"},
+      {{"--plugin", "libm.so.6", "mtu"}, "cannot load the plug-in: .*libm.so.6: .*"}};
+  for (const Case& c : cases) {
+    const Ran ran = run(c.arguments);
+    EXPECT_EQ(ran.status, 2);
+    EXPECT_EQ(ran.out, "");
+    EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
+    EXPECT_THAT(ran.err, testing::StartsWith("loamshow: "));
+    const std::string message = ran.err.substr(10, ran.err.size() - 11);
+    EXPECT_TRUE(message == c.error || testing::Matches(testing::MatchesRegex(c.error))(message)) << message;
+  }
+  EXPECT_THAT(run({"--help"}).out, HasSubstr("queues"));
+  EXPECT_THAT(run({"queues", "--help"}).out, HasSubstr("--internal"));
+  EXPECT_THAT(run({"--version"}).out, MatchesRegex("loamshow [0-9.]+\n"));
+}
+
+TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {
+  const auto ranOn = [](int cores, const char* command) {
+    Json state = smallSwitch();
+    state["status"]["fapNumCores"] = {{"7", cores}};
+    const MemoryFile file(state.dump());
+    return run({"-s", file.path(), command, "Et3"});
+  };
+  const std::string error =
+      "loamshow: Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
+      "Hardware::Loam::LocalCoreId::null not allowed\n";
+  EXPECT_EQ(ranOn(7, "ingress").status, 0);
+  EXPECT_EQ(ranOn(6, "drops").status, 0);
+  for (const auto& [cores, command] : {std::pair{8, "ingress"}, std::pair{7, "drops"}}) {
+    const Ran ran = ranOn(cores, command);
+    EXPECT_EQ(ran.status, 1);
+    EXPECT_EQ(ran.err, error);
+    EXPECT_THAT(ran.out, HasSubstr("B.6"));
+    EXPECT_EQ(ran.out.back(), '\n');
+  }
+  Json state = smallSwitch();
+  state["status"]["fapNumCores"] = {{"7", 8}};
+  state["status"]["coppClassNumVoqs"] = 81;
+  state["status"]["sppidToIntfId"]["30"] = "Class";
+  const MemoryFile file(state.dump());
+  const Ran ran = run({"-s", file.path(), "cpu"});
+  EXPECT_EQ(ran.status, 1);
+  EXPECT_THAT(ran.out, HasSubstr("Class                      TC79 "));
+  EXPECT_THAT(ran.err, HasSubstr("LoamCounters::IngressCounterIndex::max not allowed"));
+}
+
+TEST(Program, AnAnswerThatCannotBeWrittenIsAnError) {
+  const MemoryFile err;
+  const int full = ::open("/dev/full", O_WRONLY);
+  EXPECT_EQ(Program({"queues"}, full, err.fd()).status(), 1);
+  EXPECT_EQ(err.content(), "loamshow: cannot write the answer: No space left on device\n");
+  ::close(full);
+}
+
+TEST(Program, AReaderThatLeavesEndsItQuietly) {
+  Pipe pipe;
+  const MemoryFile err;
+  const Program program({"queues", "--internal"}, pipe.ends[1], err.fd());
+  pipe.awaitFull();
+  pipe.closeEnd(1);
+  pipe.closeEnd(0);
+  EXPECT_EQ(program.status(), 1);
+  EXPECT_EQ(err.content(), "");
+}
+
+TEST(Program, AnInterruptEndsAnAnswerIntoAFullPipe) {
+  for (const int signals : {1, 2}) {
+    Pipe pipe;
+    const MemoryFile err;
+    const Program program({"queues", "--internal"}, pipe.ends[1], err.fd());
+    pipe.awaitFull();
+    for (int i = 0; i < signals; ++i) program.signal(SIGINT);
+    EXPECT_EQ(program.status(), 130) << "nobody has read from the pipe yet";
+    const std::string out = pipe.drain();
+    EXPECT_THAT(out, testing::StartsWith("Aggregate VoQ Counters\n"));
+    if (signals == 1) {
+      EXPECT_THAT(out, testing::EndsWith("exiting interrupted by user\n"));
+    }
+    EXPECT_EQ(err.content(), "");
+  }
+}
+
+TEST(Program, WritesToATerminalWhatItWritesToAPipe) {
+  int controller = -1;
+  int terminal = -1;
+  termios raw{};
+  ::cfmakeraw(&raw);
+  ASSERT_EQ(::openpty(&controller, &terminal, nullptr, &raw, nullptr), 0);
+  const MemoryFile err;
+  const Program program({"queues"}, terminal, err.fd());
+  ::close(terminal);
+  std::string out;
+  std::array<char, 4096> part{};
+  for (ssize_t size = 0; (size = ::read(controller, part.data(), part.size())) > 0;) {
+    out.append(part.data(), static_cast<std::size_t>(size));
+  }
+  ::close(controller);
+  EXPECT_EQ(program.status(), 0);
+  EXPECT_EQ(out, run({"queues"}).out);
+}
+
+}  // namespace
+
+}  // namespace loamtest

@@ -1,0 +1,197 @@
+#include <gmock/gmock.h>
+
+#include "tests/AnswerParts.h"
+
+namespace loamtest {
+
+namespace {
+
+using testing::ElementsAre;
+
+const Labels subIntfLabels = {"TC0-1", "TC2-3", "TC4-5", "TC6-7"};
+const Labels pairedLabels = {"TC0", "TC1,5", "TC2", "TC3", "TC4", "TC6", "TC7"};
+const std::vector<U64> pairedTcs = {0, 1, 2, 3, 4, 6, 7};
+const std::vector<U64> allTcs = {0, 1, 2, 3, 4, 5, 6, 7};
+const std::vector<U64> lagTcs = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+
+Labels lagLabels() {
+  Labels labels = tcs();
+  labels.insert(labels.end(), {"TC0,4", "TC1,5", "TC2,6", "TC3,7"});
+  return labels;
+}
+
+Quads noCounts() {
+  return Quads(8, zeros());
+}
+
+TEST(Queues, ShowsAggregateIngressThenEgress) {
+  const Json state = smallSwitch();
+  // The port channel has no FAP, so it takes both modes of the switch: its rows come twice.
+  const std::string lagRows =
+      egressRows("Po1", lagLabels(), egressQuads(2, 4, 0, lagTcs), egressQuads(2, 4, 1, lagTcs));
+  EXPECT_EQ(
+      answer(state, {"queues"}),
+      ingressHead("Aggregate VoQ Counters") + ingressRows("Et1", tcs(), ingressSums(1)) +
+          ingressRows("Et1.5", subIntfLabels, ingressSums(2, 4)) + ingressRows("Et3", tcs(), ingressSums(3)) +
+          ingressRows("Po1", tcs(), ingressSums(4)) + "\n" + egressHead() +
+          egressRows("Et1", tcs(), egressQuads(0, 1, 0, allTcs), noCounts()) +
+          egressRows("Et3", pairedLabels, egressQuads(1, 3, 0, pairedTcs), egressQuads(1, 3, 1, pairedTcs)) +
+          lagRows + lagRows + "\n");
+
+  Json expected;
+  Json& ingress = expected["ingressVoqCounters"]["interfaces"];
+  ingress["Ethernet1"] = ingressJson(tcs(), ingressSums(1));
+  ingress["Ethernet1.5"] = ingressJson(subIntfLabels, ingressSums(2, 4));
+  ingress["Ethernet3"] = ingressJson(tcs(), ingressSums(3));
+  ingress["Port-Channel1"] = ingressJson(tcs(), ingressSums(4));
+  Json& egress = expected["egressQueueCounters"]["interfaces"];
+  egress["Ethernet1"] = egressJson(tcs(), egressQuads(0, 1, 0, allTcs), noCounts());
+  egress["Ethernet3"] =
+      egressJson(pairedLabels, egressQuads(1, 3, 0, pairedTcs), egressQuads(1, 3, 1, pairedTcs));
+  const Json lag = egressJson(lagLabels(), egressQuads(2, 4, 0, lagTcs), egressQuads(2, 4, 1, lagTcs));
+  egress["Port-Channel1"] = lag;
+  std::string text = expected.dump();
+  text.replace(text.size() - 3, 0, ",\"Port-Channel1\":" + lag.dump());
+  EXPECT_EQ(answer(state, {"queues", "--json"}), text + "\n");
+  EXPECT_EQ(answer(state, {"queues", "--detail"}), answer(state, {"queues"}));
+}
+
+TEST(Queues, RowsOfAQueueModeFapDependOnItsSharedClasses) {
+  struct Case {
+    std::vector<int> shared;
+    Labels labels;
+    std::vector<U64> tcs;
+  };
+  const Case cases[] = {{{}, tcs(), allTcs},
+                        {{0, 1, 2, 3}, {"TC0,4", "TC1,5", "TC2,6", "TC3,7"}, {0, 1, 2, 3}},
+                        {{3}, {"TC0", "TC1", "TC2", "TC3,7", "TC4", "TC5", "TC6"}, {0, 1, 2, 3, 4, 5, 6}}};
+  for (const Case& c : cases) {
+    Json state = smallSwitch();
+    state["counters"]["egressTm"]["Ethernet3"]["ambiguousTcs"] = c.shared;
+    const std::string text = answer(state, {"queues", "et3"});
+    EXPECT_EQ(text.substr(text.find("Egress Queue Counters")),
+              egressHead() +
+                  egressRows("Et3", c.labels, egressQuads(1, 3, 0, c.tcs), egressQuads(1, 3, 1, c.tcs)) +
+                  "\n");
+    EXPECT_EQ(
+        Json::parse(answer(state, {"queues", "et3", "-j"}))["egressQueueCounters"]["interfaces"]["Ethernet3"],
+        egressJson(c.labels, egressQuads(1, 3, 0, c.tcs), egressQuads(1, 3, 1, c.tcs)));
+  }
+}
+
+/// The small switch with every kind of special port. Every port maps to an interface named after it, but 340.
+Json specialSwitch() {
+  Json state = smallSwitch();
+  Json& status = state["status"];
+  status["olpPort"] = {{"9", 301}, {"1", 302}};
+  status["erpPort"] = {{"0", 303}};
+  for (const int type : {0, 1, 4, 5, 7, 8, 9, 10, 17, 18, 19, 20, 21}) {
+    status["recircPort"].push_back({{"recircType", type}, {"id", 0}, {"systemPhyPortId", 304 + type}});
+  }
+  status["fabricMeshDropPort"] = {{"0", 326}};
+  status["fapToSflowAccelSppid"] = {{"A", 330}, {"B", 330}, {"C", 328}};
+  status["ipsecPort"] = {{"0", 331}, {"1", 340}};
+  status["eventorPort"] = {{"7", 332}, {"3", 333}};
+  status["sppidToIntfId"]["11"] = "P11";
+  for (int port = 301; port <= 333; ++port)
+    status["sppidToIntfId"][std::to_string(port)] = "P" + std::to_string(port);
+  return state;
+}
+
+TEST(Queues, InternalAddsSpecialInterfacesInTheOrderOfTheirKinds) {
+  Json state = specialSwitch();
+  state["fabricMcastVoq"] = {{"min", 20}, {"max", 23}};
+  state["counters"]["ingress"].push_back(
+      {{"fapId", 7}, {"intfId", "FabricMcast1"}, {"queues", {quad(500), quad(600)}}});
+  const std::string text = answer(state, {"queues", "Ethernet1", "--internal"});
+  const std::size_t middle = text.find("Egress Queue Counters");
+  const std::string ingress = text.substr(0, middle);
+  // OLP, ERP, L3 flood (recirculation types 1 to 4), routing (8), shared (10 to 17), PLR (9), fabric mesh
+  // (port 11), sFlow by port, IPsec, Eventor by FAP. CPU recirculation is not enabled.
+  EXPECT_THAT(rowNames(ingress), ElementsAre("Et1", "P302", "P301", "P303", "P305", "P308", "P312", "P314",
+                                             "P321", "P313", "P11", "P328", "P330", "P331", "P333", "P332",
+                                             "FabricMcast0", "FabricMcast1", "FabricMcast2", "FabricMcast3"));
+  EXPECT_THAT(rowNames(text.substr(middle)),
+              ElementsAre("Et1", "P302", "P301", "P305", "P308", "P312", "P314", "P321", "P313", "P326",
+                          "P328", "P330", "P331", "P333", "P332"));
+  EXPECT_NE(ingress.find(ingressRows("FabricMcast1", {"TC2-3"}, {quad(500)})), std::string::npos);
+  EXPECT_EQ(Json::parse(answer(
+                state, {"queues", "--internal", "-j"}))["ingressVoqCounters"]["interfaces"]["FabricMcast1"],
+            ingressJson({"TC2-3"}, {quad(500)}));
+
+  state["status"]["cpuRecircEnabled"] = true;
+  const std::string enabled = answer(state, {"queues", "--internal"});
+  EXPECT_EQ(rowNames(enabled.substr(0, enabled.find("Egress Queue Counters")))[13], "P324");
+  EXPECT_EQ(rowNames(enabled.substr(enabled.find("Egress Queue Counters")))[11], "P324");
+}
+
+TEST(Queues, TranslatesInterfacesToThoseThatOwnQueues) {
+  Json state = smallSwitch();
+  Json& status = state["status"];
+  status["intfIdToSppid"]["Port-Channel1"] =
+      70;  // no TM entry: stays as itself, but not where VOQ ports only count
+  status["sppidToIntfId"]["66"] = "Ethernet9";  // a port maps back to another interface
+  status["intfIdToSppid"]["Loopback0"] = 64;    // two interfaces on one port
+  const std::string ingress = answer(state, {"ingress"});
+  EXPECT_THAT(rowNames(ingress.substr(0, ingress.find("A.1"))), ElementsAre("Et1", "Et1.5", "Et9", "Et1"));
+  const std::string queues = answer(state, {"queues"});
+  EXPECT_THAT(rowNames(queues.substr(0, queues.find("Egress Queue"))),
+              ElementsAre("Et1", "Et1.5", "Et9", "Po1", "Et1"));
+}
+
+TEST(Ingress, ShowsATablePerFapCore) {
+  const Json state = smallSwitch();
+  std::string expected;
+  Json json;
+  Json& sources = json["sources"];
+  const char* labels[] = {"A.0", "A.1", "B"};
+  for (U64 source = 0; source < 3; ++source) {
+    expected += ingressHead(std::string(labels[source]) + ":") +
+                ingressRows("Et1", tcs(), ingressQuads(1, source)) +
+                ingressRows("Et1.5", subIntfLabels, ingressQuads(2, source, 4)) +
+                ingressRows("Et3", tcs(), ingressQuads(3, source)) + "\n";
+    Json& interfaces = sources[labels[source]]["interfaces"];
+    interfaces["Ethernet1"] = ingressJson(tcs(), ingressQuads(1, source));
+    interfaces["Ethernet1.5"] = ingressJson(subIntfLabels, ingressQuads(2, source, 4));
+    interfaces["Ethernet3"] = ingressJson(tcs(), ingressQuads(3, source));
+  }
+  EXPECT_EQ(answer(state, {"ingress"}), expected);
+  EXPECT_EQ(answer(state, {"ingress", "--detail", "-j"}), json.dump() + "\n");
+}
+
+TEST(Ingress, InternalAddsSpecialInterfacesToEveryTable) {
+  Json state = specialSwitch();
+  state["status"]["fapNumCores"] = {{"3", 0}, {"7", 1}, {"9", 2}};  // no cores; and no name
+  state["status"]["subIntfNumVoqs"] = 0;
+  EXPECT_THAT(
+      rowNames(answer(state, {"ingress", "--internal", "et1,et1.5"})),
+      ElementsAre("Et1", "P302", "P301", "P303", "P305", "P308", "P312", "P314", "P321", "P313", "P11",
+                  "P328", "P330", "P331", "P333", "P332", "FabricMcast0", "FabricMcast1", "FabricMcast2",
+                  "FabricMcast3", "FabricMcast4", "FabricMcast5", "FabricMcast6", "FabricMcast7"));
+  EXPECT_EQ(answer(state, {"ingress", "et1.5", "-j"}),
+            "{\"sources\":{\"B\":{\"interfaces\":{\"Ethernet1.5\":{\"trafficClasses\":{}}}}}}\n");
+}
+
+TEST(Ingress, CountsAreExactAndWideOnesShiftTheirRow) {
+  Json state = smallSwitch();
+  state["interfaces"] = {"Ethernet1"};
+  state["counters"]["ingress"] = {{{"fapId", 7},
+                                   {"intfId", "Ethernet1"},
+                                   {"queues", {{18446744073709551615U, 9007199254740993U, 0, 10}}}},
+                                  {{"fapId", 3}, {"intfId", "Ethernet1"}, {"queues", {{2, 0, 0, 0}}}}};
+  EXPECT_NE(
+      answer(state, {"ingress"})
+          .find(
+              "Et1                        TC0     18446744073709551615   9007199254740993                  0"
+              "                 10\n"),
+      std::string::npos);
+  // The sum over the sources wraps.
+  EXPECT_EQ(
+      Json::parse(answer(
+          state, {"queues", "-j"}))["ingressVoqCounters"]["interfaces"]["Ethernet1"]["trafficClasses"]["TC0"],
+      members({1, 9007199254740993U, 0, 10}));
+}
+
+}  // namespace
+
+}  // namespace loamtest

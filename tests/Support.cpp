@@ -1,0 +1,136 @@
+#include "tests/Support.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "loamshow/CommandLine.h"
+#include "loamshow/ShowCommands.h"
+#include "loamshow/StateFile.h"
+
+namespace loamtest {
+
+std::string line(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  char* text = nullptr;
+  const int size = ::vasprintf(&text, format, arguments);
+  va_end(arguments);
+  std::string out(text, static_cast<std::size_t>(size));
+  ::free(text);  // NOLINT(cppcoreguidelines-no-malloc)
+  return out;
+}
+
+Json quad(U64 base) {
+  return {base + 1, base + 2, base + 3, base + 4};
+}
+
+Json plus(const Json& left, const Json& right) {
+  Json sum = Json::array();
+  for (std::size_t i = 0; i < left.size(); ++i) sum.push_back(left[i].get<U64>() + right[i].get<U64>());
+  return sum;
+}
+
+Json members(const Json& quad) {
+  return {{"enqueuedPackets", quad[0]},
+          {"enqueuedBytes", quad[1]},
+          {"droppedPackets", quad[2]},
+          {"droppedBytes", quad[3]}};
+}
+
+std::vector<std::string> tcs(int count) {
+  std::vector<std::string> labels;
+  for (int t = 0; t < count; ++t) labels.push_back("TC" + std::to_string(t));
+  return labels;
+}
+
+Json smallSwitch() {
+  Json state = Json::parse(R"({
+    "interfaces": ["Ethernet1", "Ethernet1.5", "Ethernet3", "Port-Channel1", "Loopback0"],
+    "status": {
+      "fapIdToName": {"7": "B", "3": "A"},
+      "fapNumCores": {"3": 2, "7": 1},
+      "fapRevision": {"3": {"major": 1}, "7": {"major": 2}},
+      "sppidToIntfId": {"64": "Ethernet1", "65": "Ethernet1.5", "66": "Ethernet3"},
+      "intfIdToSppid": {"Ethernet1": 64, "Ethernet1.5": 65, "Ethernet3": 66},
+      "portMap": {"64": {"fapPortId": 1, "fapId": 3}, "65": {"fapPortId": 2, "fapId": 3}, "66": {"fapPortId": 1, "fapId": 7}},
+      "subIntfNumVoqs": 4
+    },
+    "tmMapping": {"portTmMap": [64, 65, 66]},
+    "internalLagStatus": {"lagIngressVoqCounterTable": ["Port-Channel1"]}
+  })");
+  Json& counters = state["counters"];
+  constexpr std::pair<int, int> sources[] = {{3, 0}, {3, 1}, {7, 0}};
+  const char* interfaces[] = {"Ethernet1", "Ethernet1.5", "Ethernet3", "Port-Channel1"};
+  for (U64 intf = 1; intf <= 4; ++intf) {
+    for (U64 source = 0; source < 3; ++source) {
+      Json entry{{"fapId", sources[source].first},
+                 {"coreId", sources[source].second},
+                 {"intfId", interfaces[intf - 1]}};
+      for (U64 t = 0; t < 8; ++t) entry["queues"].push_back(quad(ingressBase(intf, source, t)));
+      counters["ingress"].push_back(entry);
+    }
+  }
+  for (U64 t = 0; t < 12; ++t) {
+    const auto pair = [&](U64 kind, U64 intf) {
+      return Json{{"ucast", quad(egressBase(kind, intf, t, 0))},
+                  {"mcast", quad(egressBase(kind, intf, t, 1))}};
+    };
+    counters["egressLag"]["Port-Channel1"]["queues"].push_back(pair(2, 4));
+    if (t >= 8) continue;
+    counters["egress"]["Ethernet1"]["queues"].push_back(quad(egressBase(0, 1, t, 0)));
+    counters["egressTm"]["Ethernet3"]["queues"].push_back(pair(1, 3));
+  }
+  counters["egressTm"]["Ethernet3"]["ambiguousTcs"] = {1};
+  return state;
+}
+
+Json ingressSum(U64 intf, U64 t) {
+  return plus(plus(quad(ingressBase(intf, 0, t)), quad(ingressBase(intf, 1, t))),
+              quad(ingressBase(intf, 2, t)));
+}
+
+std::string answer(const Json& state, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = {"loamshow"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  const loamshow::CommandLine line = loamshow::parseCommandLine(static_cast<int>(argv.size()), argv.data());
+  const loamshow::SwitchState parsed = loamshow::parseState("state", state.dump());
+  loamshow::mountProcessWide(parsed);
+  const MemoryFile file;
+  loamshow::runShowCommand(line, parsed, file.fdNumber());
+  return file.content();
+}
+
+MemoryFile::MemoryFile() : fd_(::memfd_create("test", MFD_CLOEXEC)) {
+}
+
+MemoryFile::MemoryFile(const std::string& content) : MemoryFile() {
+  if (::write(fd_, content.data(), content.size()) != static_cast<ssize_t>(content.size())) std::abort();
+}
+
+MemoryFile::~MemoryFile() {
+  ::close(fd_);
+}
+
+std::string MemoryFile::content() const {
+  std::string content(static_cast<std::size_t>(::lseek(fd_, 0, SEEK_END)), '\0');
+  content.resize(static_cast<std::size_t>(::pread(fd_, content.data(), content.size(), 0)));
+  return content;
+}
+
+std::string MemoryFile::path() const {
+  return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_);
+}
+
+Vane::OpStatus request(Mote::Node& object, const char* attribute, Vane::OpCode op,
+                       const std::vector<Vane::Value>& arguments, Vane::Value& result,
+                       const Vane::Value& value) {
+  const U32 number = object.typeData()->type().numberOf(attribute).value();
+  return Vane::genericIfAttributeOp(object, result, number, static_cast<U8>(op), arguments, value);
+}
+
+}  // namespace loamtest

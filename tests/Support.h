@@ -1,0 +1,73 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "platform/Mote.h"
+#include "platform/Vane.h"
+
+namespace loamtest {
+
+using Json = nlohmann::ordered_json;
+
+/// What printf would write.
+[[gnu::format(printf, 1, 2)]] std::string line(const char* format, ...);
+
+/// The four counts of a quad: base + 1 to base + 4.
+Json quad(U64 base);
+inline Json zeros() {
+  return {0, 0, 0, 0};
+}
+Json plus(const Json& left, const Json& right);
+/// The quad as the members of a JSON row.
+Json members(const Json& quad);
+/// "TC0" to "TC<count - 1>".
+std::vector<std::string> tcs(int count = 8);
+
+/// A switch with a FAP of two cores in port mode (id 3, "A"), and one of one core in queue mode (id 7, "B").
+/// Its interfaces: Ethernet1 (port 64 on A), Ethernet1.5 (port 65 on A), Ethernet3 (port 66 on B),
+/// Port-Channel1 (no port, in the LAG table), Loopback0 (no queues). `ingressBase` and the other bases give
+/// the counts.
+Json smallSwitch();
+/// The base of queue t of an interface (1 Ethernet1, 2 Ethernet1.5, 3 Ethernet3, 4 Port-Channel1) from a
+/// source (0 core A.0, 1 core A.1, 2 core B).
+inline U64 ingressBase(U64 intf, U64 source, U64 t) {
+  return intf * 100'000 + source * 10'000 + t * 10;
+}
+/// The sum of a queue over the three sources.
+Json ingressSum(U64 intf, U64 t);
+/// The base of an egress queue of an interface; `kind` is 0 port mode, 1 queue mode, 2 LAG.
+inline U64 egressBase(U64 kind, U64 intf, U64 t, U64 destType) {
+  return 1'000'000 * (kind + 1) + intf * 100'000 + t * 100 + destType * 10;
+}
+
+/// The answer of a command line such as {"queues", "-j"} on a state, in this process. Raises what the program
+/// would report.
+std::string answer(const Json& state, const std::vector<std::string>& arguments);
+
+/// A file in memory, to be written to by its descriptor.
+class MemoryFile {
+ public:
+  MemoryFile();
+  explicit MemoryFile(const std::string& content);
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile();
+
+  int fd() const { return fd_; }
+  U32 fdNumber() const { return static_cast<U32>(fd_); }
+  std::string content() const;
+  /// A path under which other processes can open it, too, while this one runs.
+  std::string path() const;
+
+ private:
+  int fd_;
+};
+
+/// A request of the generic attribute interface by the attribute's name.
+Vane::OpStatus request(Mote::Node& object, const char* attribute, Vane::OpCode op,
+                       const std::vector<Vane::Value>& arguments, Vane::Value& result,
+                       const Vane::Value& value = {});
+
+}  // namespace loamtest

@@ -1,0 +1,211 @@
+// The operations of CountersPrinter on state objects that are missing, that change, or that break their
+// promises.
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
+#include "loamshow/StateFile.h"
+#include "platform/tabula.h"
+#include "tests/AnswerParts.h"
+
+namespace loamtest {
+
+namespace {
+
+using namespace LoamCounters;
+using testing::HasSubstr;
+
+/// Counter tables of zeros that do something at each read.
+class Tables : public CounterTables {
+ public:
+  std::function<void()> atRead = [] {};
+  Keel::MaybeU63 mtuTotal;
+
+  IngressTcCounter ingressTcCounter(FapId, LocalCoreId, Nexo::IntfId) const override {
+    atRead();
+    IngressTcCounter dropped;
+    dropped.total.droppedPackets = 1;
+    return dropped;
+  }
+  IngressCounter ingressCounter(const IngressCounterKey&) const override {
+    return atRead(), IngressCounter();
+  }
+  EgressCounter egressCounter(const EgressCounterKey&) const override { return atRead(), EgressCounter(); }
+  EgressTmCounter egressTmCounter(const EgressCounterKey&) const override {
+    return atRead(), EgressTmCounter();
+  }
+  EgressLagCounter egressLagCounter(const EgressCounterKey&) const override {
+    return atRead(), EgressLagCounter();
+  }
+  Keel::MaybeU63 egressAclCounter(const EgressCounterKey&) const override {
+    return atRead(), Keel::MaybeU63();
+  }
+  EgressMtuCounter egressMtuEnqDropCounter(FapId) const override {
+    return atRead(), EgressMtuCounter({}, {}, mtuTotal);
+  }
+  Keel::MaybeU63 egressMtuTotalCounter(FapId) const override {
+    std::fputs("total read\n", stderr);
+    return {};
+  }
+};
+
+/// A printer on the small switch, its counters from the tables.
+struct Fixture {
+  loamshow::SwitchState state = loamshow::parseState("state", smallSwitch().dump());
+  Mote::Ptr<Tables> tables = Mote::make<Tables>();
+  IntfList::Ptr intfs = intfListFactory();
+
+  Fixture() {
+    for (const Nexo::IntfId intf : state.interfaces) intfs->intfEnq(intf);
+  }
+  CountersPrinter::Ptr printer(bool withStatus = true) const {
+    const auto entityManager = Mote::make<Cortex::EntityManager>();
+    entityManager->mountIs(CounterTables::path, tables);
+    return countersPrinterFactory(withStatus ? state.status : nullptr, state.tmMapping,
+                                  state.internalLagStatus, nullptr, nullptr, entityManager, false);
+  }
+};
+
+constexpr const char* operations[] = {"queues", "ingress", "cpu", "drops", "acl", "mtu"};
+
+/// What an operation writes.
+std::string called(const CountersPrinter::Ptr& printer, const std::string& operation, U32 fmt,
+                   const IntfList::PtrConst& intfs) {
+  const MemoryFile file;
+  const U32 fd = file.fdNumber();
+  if (operation == "queues") printer->showInterfacesQueueCounters(fd, fmt, intfs, true, false);
+  if (operation == "ingress") printer->showInterfacesQueueIngressCounters(fd, fmt, intfs, true, false);
+  if (operation == "cpu") printer->showCpuQueueCounters(fd, fmt, true, false);
+  if (operation == "drops") printer->showInterfacesQueueDropsCounters(fd, fmt, intfs);
+  if (operation == "acl") printer->showInterfacesEgressAclDropCounters(fd, fmt, intfs);
+  if (operation == "mtu") printer->showInterfacesEgressMtuCounters(fd, fmt);
+  return file.content();
+}
+
+TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
+  const std::map<std::string, std::pair<std::string, std::string>> empty = {
+      {"queues",
+       {ingressHead("Aggregate VoQ Counters") + "\n" + egressHead() + "\n",
+        R"({"ingressVoqCounters":{"interfaces":{}},"egressQueueCounters":{"interfaces":{}}})"}},
+      {"ingress", {"", R"({"sources":{}})"}},
+      {"cpu",
+       {"Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType",
+                                         "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets"),
+        R"({"ingressVoqs":{"sources":{}},"egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})"}},
+      {"drops",
+       {line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
+             "DropOctets") +
+            std::string(95, '-') + "\n\n",
+        R"({"interfaces":{}})"}},
+      {"acl",
+       {"Aggregate Egress Acl Counters\n" + line("%-10s %19s %19s\n", "Port", "Source Pruning", "Mlag"),
+        R"({"interfaces":{}})"}},
+      {"mtu",
+       {"Aggregate Egress Mtu Counters\n" +
+            line("%-17s %19s %19s %19s\n", "Switch", "EnqueuePkts", "Discards", "TotalPkts"),
+        R"({"destinations":{}})"}},
+  };
+  const Fixture fixture;
+  fixture.tables->atRead = [] { ADD_FAILURE() << "read"; };
+  const auto printer = fixture.printer();
+  printer->fapCounterAccessorDel();
+  printer->egressAclCountersAccessorDel();
+  for (const std::string operation : operations) {
+    const auto& [text, json] = empty.at(operation);
+    EXPECT_EQ(called(printer, operation, 1, fixture.intfs), text);
+    EXPECT_EQ(called(printer, operation, 2, fixture.intfs), json + "\n");
+    if (operation == "acl") continue;  // reads no status
+    EXPECT_EQ(called(fixture.printer(false), operation, 1, fixture.intfs), text);
+    EXPECT_EQ(called(fixture.printer(false), operation, 2, fixture.intfs), json + "\n");
+  }
+  for (const char* operation : {"queues", "ingress", "acl"}) {
+    EXPECT_EQ(called(printer, operation, 1, nullptr) + called(printer, operation, 2, nullptr), "");
+  }
+  EXPECT_EQ(called(printer, "drops", 1, nullptr), empty.at("drops").first);
+}
+
+TEST(CountersPrinter, WalksAStatusThatChanges) {
+  const auto sources = [](const char* operation, const std::function<void(Hardware::Loam::Status&)>& change) {
+    const Fixture fixture;
+    int reads = 0;
+    fixture.tables->atRead = [&] {
+      if (++reads == 2) change(*fixture.state.status);
+    };
+    const auto intfs = intfListFactory();
+    intfs->intfEnq(Nexo::IntfId("Ethernet3"));
+    const Json json = Json::parse(called(fixture.printer(), operation, 2, intfs));
+    std::vector<std::string> names;
+    const Json& found =
+        operation == std::string("mtu") ? json["destinations"]
+        : operation == std::string("drops")
+            ? json["interfaces"]["Ethernet3"]["trafficClasses"]["TC0"]["ingressVoqCounters"]["sources"]
+            : json["sources"];
+    for (const auto& [name, source] : found.items()) names.push_back(name);
+    return names;
+  };
+  using Status = Hardware::Loam::Status;
+  const auto addFap = [](Status& status, U64 id, const char* name) {
+    status.fapNumCores.set(FapId(id), 1);
+    status.fapIdToName.set(FapId(id), name);
+  };
+  // The FAP that is being shown goes, and others come below and above it.
+  const auto replace = [&](Status& status) {
+    status.fapIdToName.remove(FapId(3));
+    addFap(status, 1, "Below");
+    addFap(status, 5, "Above");
+  };
+  EXPECT_THAT(sources("ingress", [](Status&) {}), testing::ElementsAre("A.0", "A.1", "B"));
+  EXPECT_THAT(sources("ingress", replace), testing::ElementsAre("A.0", "A.1", "Above", "B"));
+  EXPECT_THAT(sources("ingress", [](Status& status) { status.fapNumCores.remove(FapId(7)); }),
+              testing::ElementsAre("A.0", "A.1"));
+  EXPECT_THAT(sources("mtu", [](Status& status) { status.fapIdToName.remove(FapId(7)); }),
+              testing::ElementsAre("A", "B"))
+      << "the second read is already that of B";
+  // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
+  EXPECT_THAT(sources("drops", replace), testing::ElementsAre("Below", "Above", "B"));
+}
+
+TEST(CountersPrinter, AnInterruptReleasesEverything) {
+  for (const std::string operation : operations) {
+    for (const U32 fmt : {1U, 2U}) {
+      const Fixture fixture;
+      const auto printer = fixture.printer();
+      const U32 statusUsers = fixture.state.status->users();
+      const U32 accessorUsers = printer->fapCounterAccessor()->users();
+      if (operation == "cpu")
+        fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("C"));
+      const std::string whole = called(printer, operation, fmt, fixture.intfs);
+      fixture.tables->atRead = [] { tabula::interrupt(); };
+      testing::internal::CaptureStdout();
+      const std::string part = called(printer, operation, fmt, fixture.intfs);
+      EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n") << operation;
+      EXPECT_THAT(whole, testing::StartsWith(part));
+      EXPECT_LT(part.size(), whole.size());
+      EXPECT_EQ(fixture.state.status->users(), statusUsers);
+      EXPECT_EQ(printer->fapCounterAccessor()->users(), accessorUsers);
+      EXPECT_EQ(fixture.intfs->users(), 1U);
+      fixture.tables->atRead = [] {};
+      EXPECT_EQ(called(printer, operation, fmt, fixture.intfs), whole) << "the next command is whole";
+    }
+  }
+}
+
+TEST(CountersPrinter, BrokenInvariantsAreFatal) {
+  const Fixture fixture;
+  const auto printer = fixture.printer();
+  EXPECT_DEATH(called(printer, "acl", 3, fixture.intfs), "false && \"Invalid data format\"");
+  EXPECT_DEATH(called(printer, "mtu", 3, fixture.intfs), "hasValue");
+  EXPECT_DEATH(called(printer, "queues", 3, fixture.intfs), "hasValue");
+  fixture.tables->mtuTotal = Keel::MaybeU63(0);
+  EXPECT_DEATH(
+      called(printer, "mtu", 1, nullptr),
+      testing::AllOf(HasSubstr("mtuCounter.totalCounter().null()"), testing::Not(HasSubstr("total read"))));
+  fixture.state.status->subIntfNumVoqs = 9;
+  EXPECT_DEATH(called(printer, "ingress", 1, fixture.intfs), "tcPerPort >= countersPerPort");
+}
+
+}  // namespace
+
+}  // namespace loamtest

@@ -14,8 +14,8 @@ using Hardware::Loam::VoqId;
 constexpr U32 widthWithoutQueueCol = 26 + 1 + 1 + 4 * 18 + 3;
 
 void printCounters(tabula::Printer& printer, const CounterQuad& counters, QueueCountersAttrs& attrs) {
-  attrs.setCounters(counters);
   printer.startDictEntry(attrs.queueAttr);
+  attrs.setCounters(counters);
   printer.addArgs<"%18llu %18llu %18llu %18llu\n">(
       attrs.enqueuedPacketsAttr.getArg(), attrs.enqueuedBytesAttr.getArg(), attrs.droppedPacketsAttr.getArg(),
       attrs.droppedBytesAttr.getArg());

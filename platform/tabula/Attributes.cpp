@@ -101,9 +101,10 @@ void appendEscaped(std::string& out, std::string_view text) {
 }
 
 AttrInfo::AttrInfo(std::string_view key, const Renderer& renderer) : knownFormat_(renderer.knownFormat()) {
-  jsonKey_ += '"';
+  jsonKey_ += ",\"";
   appendEscaped(jsonKey_, key);
   jsonKey_ += "\":";
+  jsonKey_.append(writeSlack, '\0');
 }
 
 }  // namespace tabula

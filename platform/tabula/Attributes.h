@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -26,8 +27,9 @@ class AttrInfo {
   AttrInfo(const AttrInfo&) = delete;
   AttrInfo& operator=(const AttrInfo&) = delete;
 
-  /// The key as it stands in a JSON answer, with its quotes and colon.
-  std::string_view jsonKey() const noexcept { return jsonKey_; }
+  /// The key as it stands in a JSON answer after another member, with comma, quotes and colon. As many bytes
+  /// as writeSlack may be read past its end.
+  std::string_view jsonKey() const noexcept { return {jsonKey_.data(), jsonKey_.size() - writeSlack}; }
 
  protected:
   AttrInfo(std::string_view key, const Renderer& renderer);
@@ -102,14 +104,20 @@ class StringAttrInfo : public Attr32Info {
   StringAttrInfo(std::string_view key, const Renderer& renderer) : Attr32Info(key, renderer) {}
 
   void setValue(std::string_view text) {
-    text_.assign(text);
-    setText(text_);
+    if (text.size() <= short_.size()) {
+      copyShort(short_.data(), text.data(), text.size());
+      setText({short_.data(), text.size()});
+    } else {
+      long_.assign(text);
+      setText(long_);
+    }
   }
   void setValue(const char* text, unsigned long length) { setValue(std::string_view(text, length)); }
   TextArg getArg() const { return {Attr32Info::getArg().text(), this}; }
 
  private:
-  std::string text_;
+  std::array<char, 32> short_{};
+  std::string long_;
 };
 
 }  // namespace tabula

@@ -188,30 +188,44 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   return piece.size + std::max(columnWidth(piece, args), value);
 }
 
-/// Writes a piece; `at` has room for its bound. Returns the end of what was written.
+/// Writes a number into a column of at least that width; returns the end of the column.
+[[gnu::always_inline]] inline char* writeNumberColumn(char* at, bool left, std::size_t width,
+                                                      const Arg& value) {
+  const bool negative = value.negative();
+  const U64 number = negative ? U64{0} - value.number() : value.number();
+  if (!left && width >= 16 && !negative && number < detail::tenTo16) [[likely]] {
+    writeBlanks(at, width - 16);
+    writeSixteenWide(at + width - 16, number);
+    return at + width;
+  }
+  const std::size_t size = digitCount(number) + (negative ? 1U : 0U);
+  const std::size_t column = std::max(width, size);
+  writeBlanks(at, width);
+  char* digits = left ? at : at + column - size;
+  // The number goes where it stays, so what its last store writes past it is only what comes next.
+  std::array<char, mostDigits + writeSlack> text;
+  writeNumber(text.data(), number);
+  if (negative) *digits++ = '-';
+  std::memcpy(digits, text.data(), size - (negative ? 1U : 0U));
+  return at + column;
+}
+
+/// Writes a piece; `at` has room for its bound and the slack. Returns the end of what was written.
 [[gnu::always_inline]] inline char* writePiece(char* at, std::string_view format, const Piece& piece,
                                                const Arg* args) {
   if (piece.size > 0) std::memcpy(at, format.data() + piece.begin, piece.size);
   at += piece.size;
   if (piece.conversion == 0) return at;
 
+  // The column is blanked as a whole and the value written over it: a few wide stores, without a loop over
+  // blanks.
   const std::size_t width = columnWidth(piece, args);
   const Arg& value = args[piece.widthIsArg ? 1 : 0];
-  // The column is blanked as a whole and the value written over it: with a constant width that is a few wide
-  // stores, without a loop over the blanks.
-  std::memset(at, ' ', width);
-  if (piece.conversion == 's') {
-    const std::string_view text = columnText(piece, value);
-    const std::size_t column = std::max(width, text.size());
-    if (!text.empty()) std::memcpy(piece.left ? at : at + column - text.size(), text.data(), text.size());
-    return at + column;
-  }
-  const bool negative = value.negative();
-  const U64 number = negative ? U64{0} - value.number() : value.number();
-  const std::size_t size = digitCount(number) + (negative ? 1U : 0U);
-  const std::size_t column = std::max(width, size);
-  char* begin = writeDigits(piece.left ? at + size : at + column, number);
-  if (negative) *--begin = '-';
+  if (piece.conversion != 's') return writeNumberColumn(at, piece.left, width, value);
+  const std::string_view text = columnText(piece, value);
+  const std::size_t column = std::max(width, text.size());
+  writeBlanks(at, width);
+  copyShort(piece.left ? at : at + column - text.size(), text.data(), text.size());
   return at + column;
 }
 

@@ -2,10 +2,57 @@
 
 namespace tabula {
 
+namespace {
+
+/// Not 0 when one of eight bytes cannot stand in a JSON string as it is: only printable ASCII without quotes
+/// and backslashes can.
+U64 specialBytes(U64 word) {
+  constexpr U64 ones = detail::eachByte;
+  const auto zeroByte = [](U64 bytes) { return (bytes - ones) & ~bytes; };
+  const U64 found =
+      word | zeroByte(word ^ ('"' * ones)) | zeroByte(word ^ ('\\' * ones)) | ((word - ' ' * ones) & ~word);
+  return found & (0x80 * ones);
+}
+
+template <class Word>
+U64 loadWord(const char* at) {
+  Word word = 0;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+/// Whether a text stands in a JSON string as it is. Looks at some bytes twice rather than at any beyond the
+/// text.
+bool isPlain(const char* text, std::size_t size) {
+  const auto byte = [&](std::size_t i) { return U64{static_cast<unsigned char>(text[i])}; };
+  if (size >= 8) {
+    U64 special = specialBytes(loadWord<U64>(text + size - 8));
+    for (std::size_t done = 0; done + 8 < size; done += 8)
+      special |= specialBytes(loadWord<U64>(text + done));
+    return special == 0;
+  }
+  if (size >= 4) return specialBytes(loadWord<U32>(text) | (loadWord<U32>(text + size - 4) << 32U)) == 0;
+  if (size == 0) return true;
+  constexpr U64 blanksAbove = 0x2020202020'000000;
+  return specialBytes(byte(0) | (byte(size / 2) << 8U) | (byte(size - 1) << 16U) | blanksAbove) == 0;
+}
+
+/// Writes a member's key, 16 bytes at a time. The key begins with a comma, which the first member does
+/// without.
+char* writeKey(char* at, const AttrInfo& attr, bool separate) {
+  const std::string_view key = attr.jsonKey().substr(separate ? 0 : 1);
+  for (std::size_t done = 0; done < key.size(); done += writeSlack) {
+    std::memcpy(at + done, key.data() + done, writeSlack);
+  }
+  return at + key.size();
+}
+
+}  // namespace
+
 Renderer::Renderer(U32 format)
     : json_(format == formatJson),
       knownFormat_(format == formatText || format == formatJson),
-      buffer_(std::make_unique_for_overwrite<char[]>(capacity)),
+      buffer_(std::make_unique_for_overwrite<char[]>(capacity + writeSlack)),
       at_(buffer_.get()),
       end_(buffer_.get() + capacity) {
 }
@@ -17,61 +64,14 @@ void Renderer::start() {
   if (!json_) return;
   const bool startedOnce = depth_ == 0 && !complete_;
   VANE_ASSERT(startedOnce);
-  open(Scope::model);
+  push(Scope::model);
 }
 
 void Renderer::end() {
-  checkInterrupt();
   if (!json_) return;
   close(Scope::model);
-  put("\n");
+  put('\n');
   complete_ = true;
-}
-
-void Renderer::startSubmodel(std::string_view name) {
-  checkInterrupt();
-  if (!json_) return;
-  putKey(name);
-  open(Scope::submodel);
-}
-
-void Renderer::endSubmodel() {
-  checkInterrupt();
-  if (json_) close(Scope::submodel);
-}
-
-void Renderer::startDict(std::string_view name) {
-  checkInterrupt();
-  if (!json_) return;
-  putKey(name);
-  open(Scope::dict);
-}
-
-void Renderer::endDict() {
-  checkInterrupt();
-  if (json_) close(Scope::dict);
-}
-
-void Renderer::startDictEntry(const Attr32Info& key) {
-  checkInterrupt();
-  if (!json_) return;
-  const bool insideDict = depth_ > 0 && scopes_[depth_ - 1] == Scope::dict;
-  VANE_ASSERT(insideDict);
-  putSeparator();
-  put("\"");
-  const Arg value = key.getArg();
-  if (value.kind() == Arg::Kind::text) {
-    putEscaped(value.text());
-  } else {
-    write<"%u">(value.number());
-  }
-  put("\":");
-  open(Scope::entry);
-}
-
-void Renderer::endDictEntry() {
-  checkInterrupt();
-  if (json_) close(Scope::entry);
 }
 
 int Renderer::addFrills(const Format& format, std::span<const Arg> args) {
@@ -127,7 +127,7 @@ std::size_t Renderer::putWide(std::string_view format, const Piece& piece, const
   put(format.substr(piece.begin, piece.size));
   if (piece.conversion == 0) return piece.size;
   const Arg& value = args[piece.args() - 1];
-  std::array<char, mostDigits + 1> digits{};
+  std::array<char, mostDigits + 1 + writeSlack> digits{};
   std::string_view text;
   if (piece.conversion == 's') {
     text = columnText(piece, value);
@@ -144,50 +144,87 @@ std::size_t Renderer::putWide(std::string_view format, const Piece& piece, const
   return piece.size + blanks + text.size();
 }
 
-void Renderer::addMember(const Arg& arg) {
-  const bool isDescriptor = arg.attr() != nullptr;
-  VANE_ASSERT(isDescriptor);
+void Renderer::checkInsideObject() const {
   const bool insideObject = depth_ > 0 && scopes_[depth_ - 1] != Scope::dict;
   VANE_ASSERT(insideObject);
-  putSeparator();
-  put(arg.attr()->jsonKey());
-  if (arg.kind() == Arg::Kind::text) {
-    put("\"");
-    putEscaped(arg.text());
-    put("\"");
-  } else {
-    write<"%u">(arg.number());
+}
+
+void Renderer::addNumbers(std::span<const NumberMember> members) {
+  checkInsideObject();
+  std::size_t bound = 0;
+  for (const NumberMember& member : members) bound += member.attr->jsonKey().size() + mostDigits;
+  ensureRoom(bound);
+  const bool fits = bound <= room();  // keys of more than a buffer's size are nobody's
+  VANE_ASSERT(fits);
+  // Neither the cursor nor the flag is left to the object here: a store of a character could change them.
+  char* at = at_;
+  bool separate = separate_;
+  for (const NumberMember& member : members) {
+    at = writeNumber(writeKey(at, *member.attr, separate), member.number);
+    separate = true;
   }
+  at_ = at;
   separate_ = true;
 }
 
-void Renderer::open(Scope scope) {
+void Renderer::addMember(const Arg& arg) {
+  const bool isDescriptor = arg.attr() != nullptr;
+  VANE_ASSERT(isDescriptor);
+  if (arg.kind() == Arg::Kind::text) {
+    checkInsideObject();
+    ensureRoom(arg.attr()->jsonKey().size());
+    at_ = writeKey(at_, *arg.attr(), separate_);
+    separate_ = true;
+    putString(arg.text());
+  } else {
+    const NumberMember member{arg.attr(), arg.number()};
+    addNumbers({&member, 1});
+  }
+}
+
+void Renderer::openUnder(std::string_view name, Scope scope) {
+  checkInterrupt();
+  checkInsideObject();
+  openNamed(name, scope);
+}
+
+void Renderer::openEntry(const Attr32Info& key) {
+  checkInterrupt();
+  const bool insideDict = depth_ > 0 && scopes_[depth_ - 1] == Scope::dict;
+  VANE_ASSERT(insideDict);
+  const Arg value = key.getArg();
+  if (value.kind() == Arg::Kind::text) {
+    openNamed(value.text(), Scope::entry);
+  } else {
+    std::array<char, mostDigits + writeSlack> digits;
+    openNamed({digits.data(), writeNumber(digits.data(), value.number())}, Scope::entry);
+  }
+}
+
+void Renderer::openNamed(std::string_view name, Scope scope) {
+  ensureRoom(1);
+  *at_ = ',';
+  at_ += separate_ ? 1 : 0;
+  putString(name);
+  put(':');
+  push(scope);
+}
+
+void Renderer::push(Scope scope) {
   const bool notTooDeep = depth_ < deepest;
   VANE_ASSERT(notTooDeep);
   scopes_[depth_++] = scope;
-  put("{");
+  put('{');
   separate_ = false;
 }
 
 void Renderer::close(Scope scope) {
+  checkInterrupt();
   const bool closesInnermost = depth_ > 0 && scopes_[depth_ - 1] == scope;
   VANE_ASSERT(closesInnermost);
   --depth_;
-  put("}");
+  put('}');
   separate_ = true;
-}
-
-void Renderer::putKey(std::string_view key) {
-  const bool insideObject = depth_ > 0 && scopes_[depth_ - 1] != Scope::dict;
-  VANE_ASSERT(insideObject);
-  putSeparator();
-  put("\"");
-  putEscaped(key);
-  put("\":");
-}
-
-void Renderer::putSeparator() {
-  if (separate_) put(",");
 }
 
 void Renderer::put(std::string_view text) {
@@ -212,10 +249,19 @@ void Renderer::putBlanks(std::size_t count) {
   }
 }
 
-void Renderer::putEscaped(std::string_view text) {
+void Renderer::putString(std::string_view text) {
+  put('"');
+  ensureRoom(text.size());
+  if (text.size() <= room() && isPlain(text.data(), text.size())) {
+    copyShort(at_, text.data(), text.size());
+    at_ += text.size();
+    put('"');
+    return;
+  }
   escaped_.clear();
   appendEscaped(escaped_, text);
   put(escaped_);
+  put('"');
 }
 
 }  // namespace tabula

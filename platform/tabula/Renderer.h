@@ -26,14 +26,26 @@ class Renderer : public Mote::Node {
   void start();
   void end();
   /// An object under `name`.
-  void startSubmodel(std::string_view name);
-  void endSubmodel();
+  void startSubmodel(std::string_view name) {
+    if (json_) openUnder(name, Scope::submodel);
+  }
+  void endSubmodel() {
+    if (json_) close(Scope::submodel);
+  }
   /// An object under `name` whose members are dictionary entries.
-  void startDict(std::string_view name);
-  void endDict();
+  void startDict(std::string_view name) {
+    if (json_) openUnder(name, Scope::dict);
+  }
+  void endDict() {
+    if (json_) close(Scope::dict);
+  }
   /// A member of the current dictionary, an object under the descriptor's value.
-  void startDictEntry(const Attr32Info& key);
-  void endDictEntry();
+  void startDictEntry(const Attr32Info& key) {
+    if (json_) openEntry(key);
+  }
+  void endDictEntry() {
+    if (json_) close(Scope::entry);
+  }
 
   /// Writes text as printf does, in the text format only. Returns the number of characters written.
   template <FixedString format, class... Args>
@@ -49,8 +61,7 @@ class Renderer : public Mote::Node {
   void addArgs(const Args&... args) {
     checkInterrupt();
     if (json_) {
-      static_assert(Layout<format>::args == sizeof...(Args));
-      (addMember(args), ...);
+      addMembers(args...);
     } else {
       write<format>(args...);
     }
@@ -107,22 +118,29 @@ class Renderer : public Mote::Node {
     static_assert(L::args == sizeof...(Args), "an argument for each conversion");
     static_assert(fits<L>(std::array<Arg::Kind, sizeof...(Args)>{kindOf<std::decay_t<Args>>()...}),
                   "each argument of its conversion's type");
-    const std::array<Arg, sizeof...(Args)> args{Arg(values)...};
-    return writeLayout<L>(args.data(), std::make_index_sequence<L::pieces.size()>());
+    return writeLayout<L>(std::make_index_sequence<L::pieces.size()>(), values...);
   }
 
-  template <class L, std::size_t... piece>
-  [[gnu::always_inline]] int writeLayout(const Arg* args, std::index_sequence<piece...>) {
+  template <class L, std::size_t... piece, class... Args>
+  [[gnu::always_inline]] int writeLayout(std::index_sequence<piece...>, const Args&... values) {
+    const std::array<Arg, sizeof...(Args)> args{Arg(values)...};
     const std::size_t bound =
-        (std::size_t{0} + ... + pieceBound(L::pieces[piece], args + L::firstArg(piece)));
+        (std::size_t{0} + ... + pieceBound(L::pieces[piece], args.data() + L::firstArg(piece)));
     if (bound > room()) [[unlikely]] {
-      return writeAcross(L::text, L::pieces, args);
+      return writeLayoutAcross<L>(values...);
     }
     char* at = at_;
-    ((at = writePiece(at, L::text, L::pieces[piece], args + L::firstArg(piece))), ...);
+    ((at = writePiece(at, L::text, L::pieces[piece], args.data() + L::firstArg(piece))), ...);
     const auto size = static_cast<int>(at - at_);
     at_ = at;
     return size;
+  }
+
+  // Makes its own arguments: those of the caller then stay in registers.
+  template <class L, class... Args>
+  [[gnu::noinline, gnu::cold]] int writeLayoutAcross(const Args&... values) {
+    const std::array<Arg, sizeof...(Args)> args{Arg(values)...};
+    return writeAcross(L::text, L::pieces, args.data());
   }
 
   /// Piece by piece, for what the buffer has no room for in one.
@@ -131,14 +149,42 @@ class Renderer : public Mote::Node {
   std::size_t putWide(std::string_view format, const Piece& piece, const Arg* args);
 
   [[noreturn]] void throwInterrupt();
+  /// A member of a JSON object that is a number.
+  struct NumberMember {
+    const AttrInfo* attr;
+    U64 number;
+  };
+  template <class... Args>
+  void addMembers(const Args&... args) {
+    if constexpr ((std::is_same_v<Args, NumberArg> && ...)) {
+      const std::array<NumberMember, sizeof...(Args)> members{NumberMember{args.attr(), args.number()}...};
+      addNumbers(members);
+    } else {
+      (addMember(args), ...);
+    }
+  }
+  void addNumbers(std::span<const NumberMember> members);
   void addMember(const Arg& arg);
-  void open(Scope scope);
+  void openUnder(std::string_view name, Scope scope);
+  /// Opens an object as a member of the current one.
+  void openNamed(std::string_view name, Scope scope);
+  void openEntry(const Attr32Info& key);
+  void push(Scope scope);
   void close(Scope scope);
-  void putKey(std::string_view key);
-  void putSeparator();
+  void checkInsideObject() const;
   void put(std::string_view text);
+  void put(char c) {
+    ensureRoom(1);
+    *at_++ = c;
+  }
   void putBlanks(std::size_t count);
-  void putEscaped(std::string_view text);
+  /// A text as a JSON string, with its quotes.
+  void putString(std::string_view text);
+  void ensureRoom(std::size_t size) {
+    if (size > room()) [[unlikely]] {
+      flushBuffer();
+    }
+  }
   std::size_t room() const noexcept { return static_cast<std::size_t>(end_ - at_); }
 
   const bool json_;

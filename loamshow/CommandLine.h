@@ -11,9 +11,9 @@ namespace loamshow {
 /// What the command line asks for.
 struct CommandLine {
   std::string command;
-  std::string state;   // empty: none named
-  std::string plugin;  // empty: none named
-  U32 format = 1;      // of the answer: 1 text, 2 JSON
+  std::optional<std::string> state;
+  std::optional<std::string> plugin;
+  U32 format = 1;  // of the answer: 1 text, 2 JSON
   std::vector<std::string> interfaces;
   bool internal = false;
   bool detail = false;

@@ -1,6 +1,5 @@
 #include "loamshow/IntfArguments.h"
 
-#include <charconv>
 #include <string_view>
 #include <unordered_map>
 
@@ -63,31 +62,43 @@ class Names {
   std::unordered_map<std::string, Owners> byName_;  // by lower-case name
 };
 
-/// One end of a range.
-U64 bound(std::string_view number, std::string_view range) {
-  U64 value = 0;
-  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-  const bool isNumber = !number.empty() && error == std::errc() && end == number.data() + number.size();
-  const bool hasLeadingZero = number.size() > 1 && number.front() == '0';
-  if (!isNumber || hasLeadingZero) {
-    throw InputError("malformed range " + quoted(range) +
-                     ": expected a number without leading zeros, \"-\", and another");
+// The numbers of names are digits of any length, and stay so.
+
+bool isNumber(std::string_view text) {
+  const bool hasLeadingZero = text.size() > 1 && text.front() == '0';
+  return !text.empty() && text.find_first_not_of(digits) == std::string_view::npos && !hasLeadingZero;
+}
+
+bool isLess(std::string_view left, std::string_view right) {
+  return left.size() != right.size() ? left.size() < right.size() : left < right;
+}
+
+void increment(std::string& number) {
+  std::size_t at = number.size();
+  while (at > 0 && number[at - 1] == '9') number[--at] = '0';
+  if (at == 0) {
+    number.insert(number.begin(), '1');
+  } else {
+    ++number[at - 1];
   }
-  return value;
 }
 
 /// Appends the members of a range: a name with a number at its end, "-", and the last number.
 void appendRange(const Names& names, std::string_view range, std::size_t hyphen,
                  std::vector<IntfId>& selected) {
   const std::string_view left = range.substr(0, hyphen);
-  const std::string_view prefix = left.substr(0, left.find_last_not_of(digits) + 1);
-  const U64 first = bound(left.substr(prefix.size()), range);
-  const U64 last = bound(range.substr(hyphen + 1), range);
-  if (last < first) throw InputError("backwards range " + quoted(range));
-  for (U64 number = first;; ++number) {
-    const std::string name = std::string(prefix) + std::to_string(number);
-    const IntfId intf = names.find(name);
-    if (intf == IntfId()) throw InputError("no such interface " + quoted(name) + " of " + quoted(range));
+  const std::string prefix(left.substr(0, left.find_last_not_of(digits) + 1));
+  std::string number(left.substr(prefix.size()));
+  const std::string_view last = range.substr(hyphen + 1);
+  if (!isNumber(number) || !isNumber(last)) {
+    throw InputError("malformed range " + quoted(range) +
+                     ": expected a number without leading zeros, \"-\", and another");
+  }
+  if (isLess(last, number)) throw InputError("backwards range " + quoted(range));
+  for (;; increment(number)) {
+    const IntfId intf = names.find(prefix + number);
+    if (intf == IntfId())
+      throw InputError("no such interface " + quoted(prefix + number) + " of " + quoted(range));
     selected.push_back(intf);
     if (number == last) break;
   }

@@ -63,8 +63,10 @@ class JsonBuilder {
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Json::exception& error) {
     // "[json.exception...] parse error at line 1, column 2: ...": the part in brackets is the parser's own.
     const std::string_view text = error.what();
-    const std::size_t begin = std::min(text.find("] "), text.size() - 2) + 2;
-    error_ = text.substr(begin);
+    error_ = text.substr(std::min(text.find("] "), text.size() - 2) + 2);
+    // What is not JSON has a place in the text. A number beyond all numbers has a place in the document only.
+    const bool isSyntax = dynamic_cast<const Json::parse_error*>(&error) != nullptr;
+    if (!isSyntax) error_ = pathOfNext() + ": " + error_;
     return false;
   }
 
@@ -77,6 +79,12 @@ class JsonBuilder {
     node.end = document_.nodes_.size();
     keySize_ = 0;
     return node;
+  }
+  /// The path that the next value would have.
+  std::string pathOfNext() {
+    add(Kind::null);
+    for (const std::size_t index : open_) document_.nodes_[index].end = document_.nodes_.size();
+    return document_.path(document_.nodes_.size() - 1);
   }
   bool open(Kind kind) {
     open_.push_back(document_.nodes_.size());

@@ -118,7 +118,8 @@ void readStatus(JsonValue object, Status& status) {
     } else if (in.is("cpuRecircEnabled")) {
       status.cpuRecircEnabled = value.boolean();
     } else if (in.is("subIntfNumVoqs")) {
-      status.subIntfNumVoqs = number<U8>(value);
+      // A sub-interface has no more VOQs than there are traffic classes to share among them.
+      status.subIntfNumVoqs = static_cast<U8>(value.integer(0, 8));
     } else if (in.is("coppClassNumVoqs")) {
       status.coppClassNumVoqs = number<U16>(value);
     } else {

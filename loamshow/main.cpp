@@ -36,7 +36,7 @@ fs::path programDirectory() {
 }
 
 std::string statePath(const CommandLine& line) {
-  if (!line.state.empty()) return line.state;
+  if (line.state) return *line.state;
   const char* fromEnvironment = std::getenv("LOAM_STATE");  // NOLINT(concurrency-mt-unsafe): one thread
   if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
   return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
@@ -44,7 +44,7 @@ std::string statePath(const CommandLine& line) {
 
 std::string pluginPath(const CommandLine& line) {
   constexpr const char* fileName = "LoamCounters.so";
-  if (!line.plugin.empty()) return fs::absolute(line.plugin);
+  if (line.plugin) return fs::absolute(*line.plugin);
   const fs::path beside = programDirectory() / fileName;
   return fs::exists(beside) ? beside : programDirectory() / LOAM_PLUGIN_FROM_BIN / fileName;
 }

@@ -2,6 +2,7 @@
 
 // Nexo, the network identifier library: interface ids.
 
+#include <cstdint>
 #include <string_view>
 
 #include "platform/Mote.h"
@@ -27,7 +28,7 @@ class IntfId {
   Kind kind() const noexcept { return record_->kind; }
 
   bool operator==(const IntfId&) const = default;
-  std::size_t hash() const noexcept { return record_->hash; }
+  std::size_t hash() const noexcept { return reinterpret_cast<std::uintptr_t>(record_); }
 
  private:
   friend class IntfRecords;
@@ -36,7 +37,7 @@ class IntfId {
     Mote::String longName;
     Mote::String shortName;
     Kind kind = Kind::other;
-    std::size_t hash = 0;
+    std::size_t hash = 0;          // of the name
     const Record* next = nullptr;  // in its bucket
   };
 

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <map>
+#include <random>
 #include <thread>
 
 #include "platform/CounterAgent.h"
@@ -105,6 +107,34 @@ TEST(Vane, OrderedMapsMayChangeDuringAWalk) {
   EXPECT_THAT(visited, ElementsAre(10, 20, 35, 40));
   for (auto at = map.begin(); at != map.end(); ++at) map.clear();
   EXPECT_EQ(map.size(), 0U);
+}
+
+TEST(Vane, DenseMapsHoldWhatMapsHold) {
+  // Few different hashes, so that searches run into each other.
+  struct Clash {
+    std::size_t operator()(int key) const { return static_cast<std::size_t>(key % 7); }
+  };
+  Vane::DenseMap<int, int, Clash> ours;
+  std::map<int, int> theirs;
+  std::mt19937 random(1);
+  for (int i = 0; i < 20'000; ++i) {
+    const int key = static_cast<int>(random() % 60);
+    if (random() % 2 == 0) {
+      ours.set(key, i);
+      theirs[key] = i;
+    } else {
+      const auto item = ours.take(key);
+      ASSERT_EQ(item.has_value(), theirs.contains(key));
+      if (item) {
+        ASSERT_EQ(*item, theirs[key]);
+      }
+      theirs.erase(key);
+    }
+    std::map<int, int> walked;
+    for (const auto& [at, item] : ours) walked[at] = item;
+    ASSERT_EQ(walked, theirs);
+    for (int other = 0; other < 60; ++other) ASSERT_EQ(ours.find(other) != nullptr, theirs.contains(other));
+  }
 }
 
 TEST(Vane, VersionsMoveWithEveryChange) {

@@ -1,7 +1,10 @@
 #include "LoamCounters/DebugCountersPrinter/CounterLines.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Keel.h"
@@ -47,7 +50,10 @@ void printCounterValue(tabula::Printer& printer, const Mote::String& name,
 
   const bool allTimes = fetchType == fetchAllTimes;
   const bool unfetched = !allTimes && counter.lastUpdate == never;
-  const Mote::String value = unfetched ? "n/a" : std::to_string(counter.value);
+  std::array<char, 20> digits{};
+  const std::string_view count(
+      digits.data(), std::to_chars(digits.begin(), digits.end(), counter.value).ptr - digits.begin());
+  const std::string_view value = unfetched ? "n/a" : count;
   const Mote::String firstUpdate = allTimes ? timeText(counter.firstUpdate) : "";
   const Mote::String lastUpdate = timeText(counter.lastUpdate);
   // A discontinuity before the first update is of an earlier life of the counter; a NaN is none.
@@ -74,13 +80,18 @@ bool printCounter(tabula::Printer& printer, const CounterDescriptor::PtrConst& d
     if (drops && !shown.isDropCounter) return;
     if (sectionDue) printer.addFrills<"[%s]\n">(blockName);
     sectionDue = false;
-    Mote::String name = shown.displayName;
-    if (descriptor->numInstances > 1) {
-      name += "[";
-      name += std::to_string(static_cast<int>(instance));
-      name += "]";
+    Mote::String suffixed;
+    const bool hasSuffix = descriptor->numInstances > 1 || !extraDescription.empty();
+    if (hasSuffix) {
+      suffixed = shown.displayName;
+      if (descriptor->numInstances > 1) {
+        suffixed += "[";
+        suffixed += std::to_string(static_cast<int>(instance));
+        suffixed += "]";
+      }
+      suffixed += extraDescription;
     }
-    name += extraDescription;
+    const Mote::String& name = hasSuffix ? suffixed : shown.displayName;
     const Counter counter = shmemMgr->counter(snapshot, instance + shown.offset);
     printCounterValue(printer, name, shown.fetchType, descriptor->displayType, counter);
   };

@@ -16,7 +16,7 @@ using Brim::Counters::CounterDescriptorDir;
 using Brim::Counters::ShmemManager;
 
 std::vector<Mote::String> naturallySorted(std::vector<Mote::String> names) {
-  std::sort(names.begin(), names.end(), naturalCompare);
+  std::stable_sort(names.begin(), names.end(), naturalCompare);
   return names;
 }
 
@@ -77,10 +77,14 @@ void printDebugCountersBlock(tabula::Printer& printer, const CounterBlockDescrip
                              const ShmemManager::PtrConst& shmemMgr, const Mote::String& snapshot, bool drops,
                              const Mote::String& blockName) {
   const Mote::String sectionName = blockName.upperCase();
+  const U32 listed = block->counterDescriptors.version();
+  auto counters = block->counterDescriptors.entries();
+  std::stable_sort(counters.begin(), counters.end(),
+                   [](const auto& a, const auto& b) { return naturalCompare(a.first, b.first); });
   bool sectionDue = true;
-  for (const Mote::String& name : naturallySorted(block->counterDescriptors.keys())) {
-    // The block may have changed since its names were listed.
-    const CounterDescriptor::PtrConst descriptor = block->counterDescriptors.get(name);
+  for (auto& [name, descriptor] : counters) {
+    // The block may have changed since its counters were listed.
+    if (block->counterDescriptors.version() != listed) descriptor = block->counterDescriptors.get(name);
     if (descriptor == nullptr) continue;
     const U32 first =
         descriptor->firstInstance == CounterDescriptor::noFirstInstance ? 0 : descriptor->firstInstance;

@@ -114,7 +114,7 @@ bool intfUsesEgqMode(bool queueMode, Nexo::IntfId intf, const Status::PtrConst& 
 
 bool anyFapUsingEgqMode(bool queueMode, const Status::PtrConst& status) {
   return std::any_of(status->fapRevision.begin(), status->fapRevision.end(),
-                     [&](const auto& entry) { return useEgqQueueMode(entry.second.major) == queueMode; });
+                     [&](const auto& entry) { return useEgqQueueMode(entry.item.major) == queueMode; });
 }
 
 }  // namespace

@@ -17,35 +17,40 @@ unsigned char lower(char c) {
 }
 
 std::string_view withoutLeadingZeros(std::string_view digits) {
-  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  while (!digits.empty() && digits.front() == '0') digits.remove_prefix(1);
   return digits;
 }
 
 std::string_view withoutTrailingZeros(std::string_view digits) {
-  return digits.substr(0, digits.find_last_not_of('0') + 1);
+  while (!digits.empty() && digits.back() == '0') digits.remove_suffix(1);
+  return digits;
 }
 
 /// One of the two strings, and how far the comparison has come in it.
 class Walk {
  public:
-  explicit Walk(std::string_view text) : text_(text) {}
+  Walk(std::string_view text, std::size_t at) : text_(text), at_(at) {}
 
   /// Whether the string is exhausted, once the rest of a run of spaces is passed over.
   bool atEnd() {
-    if (at_ > 0 && text_[at_ - 1] == ' ') at_ = std::min(text_.find_first_not_of(' ', at_), text_.size());
+    if (at_ > 0 && text_[at_ - 1] == ' ') {
+      while (at_ < text_.size() && text_[at_] == ' ') ++at_;
+    }
     return at_ == text_.size();
   }
   char here() const { return text_[at_]; }
   bool afterPoint() const { return at_ > 0 && text_[at_ - 1] == '.'; }
+  /// The run of digits here.
   std::string_view digits() const {
-    const std::size_t end = std::min(text_.find_first_not_of("0123456789", at_), text_.size());
+    std::size_t end = at_;
+    while (end < text_.size() && isDigit(text_[end])) ++end;
     return text_.substr(at_, end - at_);
   }
   void pass(std::size_t count) { at_ += count; }
 
  private:
   std::string_view text_;
-  std::size_t at_ = 0;
+  std::size_t at_;
 };
 
 // Digits after a point compare from the left, with zeros at the end of no account: a run that ends first
@@ -66,8 +71,15 @@ std::strong_ordering compareDigits(const Walk& a, const Walk& b) {
 }  // namespace
 
 bool naturalCompare(const Mote::String& a, const Mote::String& b) {
-  Walk left(a);
-  Walk right(b);
+  // Names that are sorted mostly begin alike. What is the same to the byte decides nothing, up to the run of
+  // digits that the difference may be a part of.
+  std::size_t same = 0;
+  const std::size_t shorter = std::min(a.size(), b.size());
+  while (same < shorter && a.view()[same] == b.view()[same]) ++same;
+  while (same > 0 && isDigit(a.view()[same - 1])) --same;
+
+  Walk left(a, same);
+  Walk right(b, same);
   for (;;) {
     const bool leftEnds = left.atEnd();
     if (right.atEnd()) return false;

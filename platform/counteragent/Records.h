@@ -56,6 +56,11 @@ class IngressTcCounter {
   IngressCounter total{};
 
   IngressTcCounter() noexcept {}  // NOLINT(modernize-use-equals-default): the queues stay unset
+  /// `queues` has 80 at the most.
+  IngressTcCounter(const IngressCounter& sum, std::span<const IngressCounter> queues) noexcept
+      : total(sum), size_(static_cast<U32>(queues.size())) {
+    std::copy_n(queues.begin(), size_, queues_.begin());
+  }
   IngressTcCounter(const IngressTcCounter& other) noexcept : total(other.total), size_(other.size_) {
     std::copy_n(other.queues_.begin(), size_, queues_.begin());
   }
@@ -72,8 +77,6 @@ class IngressTcCounter {
   }
   void queueIs(IngressCounterIndex queue, const IngressCounter& counter) noexcept;
   std::span<const IngressCounter> queues() const noexcept { return {queues_.data(), size_}; }
-  /// Adds the total, and each queue.
-  IngressTcCounter& operator+=(const IngressTcCounter& other) noexcept;
 
  private:
   static const IngressCounter zero_;

@@ -6,8 +6,15 @@ namespace LoamCounters {
 
 namespace {
 
-U32 sourceKey(FapId fap, LocalCoreId core) {
+U32 sourceNumber(FapId fap, LocalCoreId core) {
   return (U32{fap.value()} << 16U) | core.value();
+}
+
+/// Where a source is among the places, or where it belongs.
+template <class Places>
+auto placeOf(Places& places, U32 number) {
+  return std::lower_bound(places.begin(), places.end(), number,
+                          [](const auto& place, U32 wanted) { return place.source < wanted; });
 }
 
 }  // namespace
@@ -15,35 +22,41 @@ U32 sourceKey(FapId fap, LocalCoreId core) {
 bool MemoryCounterTables::ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf,
                                     const IngressTcCounter& counter) {
   Sources& sources = ingress_[intf];
-  const U32 key = sourceKey(fap, core);
-  const auto at = std::lower_bound(sources.byCore.begin(), sources.byCore.end(), key,
-                                   [](const auto& source, U32 wanted) { return source.first < wanted; });
-  if (at != sources.byCore.end() && at->first == key) return false;
-  sources.byCore.emplace(at, key, counter);
-  sources.sum += counter;
+  const U32 number = sourceNumber(fap, core);
+  const auto at = placeOf(sources.places, number);
+  if (at != sources.places.end() && at->source == number) return false;
+  const std::span<const IngressCounter> queues = counter.queues();
+  sources.places.insert(
+      at, {number, static_cast<U32>(sources.counters.size()), static_cast<U32>(1 + queues.size())});
+  sources.counters.push_back(counter.total);
+  sources.counters.insert(sources.counters.end(), queues.begin(), queues.end());
+
+  sources.sum.resize(std::max(sources.sum.size(), 1 + queues.size()));
+  sources.sum[0] += counter.total;
+  for (std::size_t i = 0; i < queues.size(); ++i) sources.sum[1 + i] += queues[i];
   return true;
 }
 
-const IngressTcCounter* MemoryCounterTables::findIngress(FapId fap, LocalCoreId core,
-                                                         Nexo::IntfId intf) const {
-  const auto found = ingress_.find(intf);
-  if (found == ingress_.end()) return nullptr;
-  const Sources& sources = found->second;
-  if (fap.isNull() && core == Hardware::Loam::aggregateCore) return &sources.sum;
-  const U32 key = sourceKey(fap, core);
-  const auto at = std::lower_bound(sources.byCore.begin(), sources.byCore.end(), key,
-                                   [](const auto& source, U32 wanted) { return source.first < wanted; });
-  return at != sources.byCore.end() && at->first == key ? &at->second : nullptr;
+std::span<const IngressCounter> MemoryCounterTables::findIngress(FapId fap, LocalCoreId core,
+                                                                 Nexo::IntfId intf) const {
+  const Sources* sources = ingress_.find(intf);
+  if (sources == nullptr) return {};
+  if (fap.isNull() && core == Hardware::Loam::aggregateCore) return sources->sum;
+  const U32 number = sourceNumber(fap, core);
+  const auto at = placeOf(sources->places, number);
+  if (at == sources->places.end() || at->source != number) return {};
+  return {&sources->counters[at->begin], at->size};
 }
 
 IngressTcCounter MemoryCounterTables::ingressTcCounter(FapId fap, LocalCoreId core, Nexo::IntfId intf) const {
-  const IngressTcCounter* record = findIngress(fap, core, intf);
-  return record == nullptr ? IngressTcCounter() : *record;
+  const std::span<const IngressCounter> found = findIngress(fap, core, intf);
+  return found.empty() ? IngressTcCounter() : IngressTcCounter(found.front(), found.subspan(1));
 }
 
 IngressCounter MemoryCounterTables::ingressCounter(const IngressCounterKey& key) const {
-  const IngressTcCounter* record = findIngress(key.fapId, key.coreId, key.intfId);
-  return record == nullptr ? IngressCounter() : (*record)[IngressCounterIndex(key.trafficClass)];
+  const std::span<const IngressCounter> found = findIngress(key.fapId, key.coreId, key.intfId);
+  const std::size_t queue = std::size_t{1} + IngressCounterIndex(key.trafficClass).value();
+  return queue < found.size() ? found[queue] : IngressCounter();
 }
 
 EgressCounter MemoryCounterTables::egressCounter(const EgressCounterKey& key) const {

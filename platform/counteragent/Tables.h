@@ -1,7 +1,6 @@
 #pragma once
 
-#include <unordered_map>
-#include <utility>
+#include <span>
 #include <vector>
 
 #include "platform/counteragent/Records.h"
@@ -49,15 +48,23 @@ class MemoryCounterTables : public CounterTables {
   Keel::MaybeU63 egressMtuTotalCounter(FapId fap) const override;
 
  private:
-  /// One interface's counters by source, and their sum, kept ready since commands ask for it first.
+  /// The counters of one interface, those of a source side by side: the total, then the queues as far as they
+  /// are stored. The sources stand in the order of their numbers.
   struct Sources {
-    std::vector<std::pair<U32, IngressTcCounter>> byCore;  // in the order of their source keys
-    IngressTcCounter sum;
+    struct Place {
+      U32 source;
+      U32 begin;
+      U32 size;
+    };
+    std::vector<Place> places;
+    std::vector<IngressCounter> counters;
+    std::vector<IngressCounter> sum;  // of all sources, kept ready since commands ask for it first
   };
 
-  const IngressTcCounter* findIngress(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
+  /// A total and its queues; empty when there is no entry.
+  std::span<const IngressCounter> findIngress(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
 
-  std::unordered_map<Nexo::IntfId, Sources, Vane::Hash> ingress_;
+  Vane::DenseMap<Nexo::IntfId, Sources, Vane::Hash> ingress_;
 };
 
 }  // namespace LoamCounters

@@ -4,11 +4,11 @@
 #include <iterator>
 #include <map>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "platform/Mote.h"
+#include "platform/vane/DenseMap.h"
 
 namespace Vane {
 
@@ -24,19 +24,45 @@ struct Hash {
   }
 };
 
+/// std::map with the operations of DenseMap.
+template <class K, class V, class Less>
+class SortedMap {
+ public:
+  using Key = K;
+  using Item = V;
+  using Position = typename std::map<K, V, Less>::const_iterator;
+
+  const V* find(const K& key) const {
+    const auto found = map_.find(key);
+    return found == map_.end() ? nullptr : &found->second;
+  }
+  void set(const K& key, V item) { map_.insert_or_assign(key, std::move(item)); }
+  std::optional<V> take(const K& key) {
+    auto node = map_.extract(key);
+    if (node.empty()) return {};
+    return std::move(node.mapped());
+  }
+  void clear() { map_.clear(); }
+  std::size_t size() const noexcept { return map_.size(); }
+
+  Position begin() const { return map_.begin(); }
+  Position end() const { return map_.end(); }
+  Position above(const K& key) const { return map_.upper_bound(key); }
+
+ private:
+  std::map<K, V, Less> map_;
+};
+
 /// What ordered and hash maps of attributes share: look-ups that answer a neutral value for an absent key,
 /// and a 32-bit version that every change moves.
 template <class Map>
 class Collection {
  public:
-  using Key = typename Map::key_type;
-  using Item = typename Map::mapped_type;
+  using Key = typename Map::Key;
+  using Item = typename Map::Item;
 
   /// The item under a key, null when absent; valid until the collection changes.
-  const Item* find(const Key& key) const {
-    const auto found = map_.find(key);
-    return found == map_.end() ? nullptr : &found->second;
-  }
+  const Item* find(const Key& key) const { return map_.find(key); }
   bool contains(const Key& key) const { return find(key) != nullptr; }
   /// A copy of the item under a key, a default-made one when absent.
   Item get(const Key& key) const {
@@ -49,12 +75,18 @@ class Collection {
     for (const auto& [key, item] : map_) keys.push_back(key);
     return keys;
   }
+  std::vector<std::pair<Key, Item>> entries() const {
+    std::vector<std::pair<Key, Item>> entries;
+    entries.reserve(map_.size());
+    for (const auto& [key, item] : map_) entries.emplace_back(key, item);
+    return entries;
+  }
   U32 size() const noexcept { return static_cast<U32>(map_.size()); }
   U32 version() const noexcept { return version_; }
 
   /// Inserts the item, or replaces the one under that key.
   void set(const Key& key, Item item) {
-    map_.insert_or_assign(key, std::move(item));
+    map_.set(key, std::move(item));
     ++version_;
   }
   /// As set(), for handles: a null one removes the entry, if there is one.
@@ -67,10 +99,10 @@ class Collection {
   }
   /// Removes and returns the item, a default-made one when the key is absent.
   Item remove(const Key& key) {
-    auto node = map_.extract(key);
-    if (node.empty()) return Item();
+    std::optional<Item> item = map_.take(key);
+    if (!item) return Item();
     ++version_;
-    return std::move(node.mapped());
+    return std::move(*item);
   }
   void clear() {
     map_.clear();
@@ -82,9 +114,9 @@ class Collection {
   U32 version_ = 0;
 };
 
-/// A map without order. It must not change while it is walked; take the `keys` first where it may.
+/// A map without a promised order. It must not change while it is walked; take the `keys` first where it may.
 template <class K, class V>
-class HashMap : public Collection<std::unordered_map<K, V, Hash>> {
+class HashMap : public Collection<DenseMap<K, V, Hash>> {
  public:
   auto begin() const { return this->map_.begin(); }
   auto end() const { return this->map_.end(); }
@@ -93,7 +125,7 @@ class HashMap : public Collection<std::unordered_map<K, V, Hash>> {
 /// A map in ascending key order that may change while it is walked: a walk holds a copy of the entry it is
 /// at, and goes on with the smallest key above it.
 template <class K, class V, class Less = std::less<K>>
-class OrderedMap : public Collection<std::map<K, V, Less>> {
+class OrderedMap : public Collection<SortedMap<K, V, Less>> {
  public:
   struct Entry {
     K key;
@@ -106,13 +138,13 @@ class OrderedMap : public Collection<std::map<K, V, Less>> {
     const Entry& operator*() const { return *entry_; }
     const Entry* operator->() const { return &*entry_; }
     Iterator& operator++() {
-      arrive(owner_->version_ == version_ ? std::next(position_) : owner_->map_.upper_bound(entry_->key));
+      arrive(owner_->version_ == version_ ? std::next(position_) : owner_->map_.above(entry_->key));
       return *this;
     }
     bool operator==(std::default_sentinel_t) const noexcept { return !entry_.has_value(); }
 
    private:
-    using Position = typename std::map<K, V, Less>::const_iterator;
+    using Position = typename SortedMap<K, V, Less>::Position;
 
     void arrive(Position position) {
       position_ = position;

@@ -202,7 +202,8 @@ class CollectionCursor final : public Cursor {
   using Owner = OwnerOf<items>;
   using Map = ResultOf<items>;
   using Key = typename Map::Key;
-  static constexpr bool ordered = requires(const Map& map) { map.begin()->key; };
+  static constexpr bool ordered =
+      std::is_same_v<decltype(std::declval<const Map&>().end()), std::default_sentinel_t>;
 
  public:
   explicit CollectionCursor(Owner& owner) : owner_(&owner), at_(start(map())) { skipGone(); }

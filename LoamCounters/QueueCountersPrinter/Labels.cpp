@@ -17,8 +17,14 @@ Mote::String trafficClassLabel(U32 index, U32 countersPerPort, U32 tcPerPort, bo
   }
   VANE_ASSERT(tcPerPort >= countersPerPort);
   const U32 covered = tcPerPort / countersPerPort;
-  if (covered == 1) return "TC" + std::to_string(index);
-  return "TC" + std::to_string(index * covered) + "-" + std::to_string(index * covered + covered - 1);
+  const U32 first = index * covered;
+  Mote::String label("TC");
+  label += std::to_string(first);
+  if (covered != 1) {
+    label += "-";
+    label += std::to_string(first + covered - 1);
+  }
+  return label;
 }
 
 std::vector<Mote::String> queueNamesByQueuesPerPort(U32 queuesPerPort, U32 tcPerPort) {

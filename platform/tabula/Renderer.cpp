@@ -64,7 +64,8 @@ void Renderer::start() {
   if (!json_) return;
   const bool startedOnce = depth_ == 0 && !complete_;
   VANE_ASSERT(startedOnce);
-  push(Scope::model);
+  put('{');
+  scopes_[depth_++] = Scope::model;
 }
 
 void Renderer::end() {
@@ -202,19 +203,26 @@ void Renderer::openEntry(const Attr32Info& key) {
 }
 
 void Renderer::openNamed(std::string_view name, Scope scope) {
-  ensureRoom(1);
-  *at_ = ',';
-  at_ += separate_ ? 1 : 0;
-  putString(name);
-  put(':');
-  push(scope);
-}
-
-void Renderer::push(Scope scope) {
+  constexpr std::size_t around = 5;  // ,"":{
   const bool notTooDeep = depth_ < deepest;
   VANE_ASSERT(notTooDeep);
+  ensureRoom(name.size() + around);
+  if (name.size() + around <= room() && isPlain(name.data(), name.size())) {
+    char* at = at_;
+    *at = ',';
+    at += separate_ ? 1 : 0;
+    *at++ = '"';
+    copyShort(at, name.data(), name.size());
+    at += name.size();
+    std::memcpy(at, "\":{", 3);
+    at_ = at + 3;
+  } else {
+    if (separate_) put(',');
+    putString(name);
+    put(':');
+    put('{');
+  }
   scopes_[depth_++] = scope;
-  put('{');
   separate_ = false;
 }
 

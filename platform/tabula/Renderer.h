@@ -169,7 +169,6 @@ class Renderer : public Mote::Node {
   /// Opens an object as a member of the current one.
   void openNamed(std::string_view name, Scope scope);
   void openEntry(const Attr32Info& key);
-  void push(Scope scope);
   void close(Scope scope);
   void checkInsideObject() const;
   void put(std::string_view text);

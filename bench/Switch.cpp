@@ -1,0 +1,171 @@
+#include "bench/Switch.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "bench/Values.h"
+
+namespace loambench {
+
+using namespace LoamCounters;
+
+namespace {
+
+struct Core {
+  U64 fap;
+  U64 core;
+};
+
+constexpr Core cores[] = {{0, 0}, {0, 1}, {1, 0}, {2, 0}};
+constexpr U64 queueModeFap = 2;
+constexpr U64 firstPort = 64;
+constexpr U64 ports = 32767 - firstPort;
+
+std::string nameOf(std::size_t i) {
+  return "Ethernet" + std::to_string(1 + i / 48) + "/" + std::to_string(1 + i % 48);
+}
+
+// Interfaces share system ports where a switch has more interfaces than there are ports.
+Hardware::Loam::SystemPhyPortId portOf(std::size_t i) {
+  return Hardware::Loam::SystemPhyPortId(firstPort + i % ports);
+}
+
+const Core& coreOf(std::size_t i) {
+  return cores[i % ports % std::size(cores)];
+}
+
+}  // namespace
+
+BusySwitch::BusySwitch(std::size_t interfaces) : intfs(intfListFactory()) {
+  const auto status = Mote::make<Hardware::Loam::Status>();
+  const auto tmMapping = Mote::make<LoamTm::TmMapping>();
+  const auto tables = Mote::make<MemoryCounterTables>();
+  for (const Core& core : cores) {
+    status->fapIdToName.set(FapId(core.fap), "Fap" + std::to_string(core.fap));
+    status->fapNumCores.set(FapId(core.fap), core.fap == 0 ? 2 : 1);
+    status->fapRevision.set(FapId(core.fap), {core.fap == queueModeFap ? 2U : 1U});
+  }
+  U64 n = 0;
+  const auto ingress = [&](Nexo::IntfId intf) {
+    for (const Core& core : cores) {
+      IngressTcCounter record;
+      for (U64 t = 0; t < 8; ++t) {
+        const IngressCounter counter{busyQuad(n++)};
+        record.queueIs(IngressCounterIndex(t), counter);
+        record.total += counter;
+      }
+      tables->ingressIs(FapId(core.fap), LocalCoreId(core.core), intf, record);
+    }
+  };
+  for (std::size_t i = 0; i < interfaces; ++i) {
+    const Nexo::IntfId intf(nameOf(i % ports));
+    intfs->intfEnq(intf);
+    if (i >= ports) continue;
+    const auto port = portOf(i);
+    const Core& core = coreOf(i);
+    status->sppidToIntfId.set(port, intf);
+    status->intfIdToSppid.set(intf, port);
+    status->portMaps.set(port, {Hardware::Loam::FapPortId(1), FapId(core.fap), LocalCoreId(core.core)});
+    tmMapping->portTmMap.set(port, true);
+    ingress(intf);
+    EgressCounter egress;
+    EgressTmCounter egressTm;
+    for (U64 t = 0; t < 8; ++t) {
+      egress.quadIs(EgressCounterIndex(4 * t), busyQuad(n++));
+      egressTm.quadIs(EgressTmCounterIndex(8 * t), busyQuad(n++));
+      egressTm.quadIs(EgressTmCounterIndex(8 * t + 4), busyQuad(n++));
+    }
+    if (core.fap == queueModeFap) {
+      tables->egressTm.set(intf, egressTm);
+    } else {
+      tables->egress.set(intf, egress);
+    }
+  }
+  // CoPP classes and CPU ports.
+  status->coppClassNumVoqs = 8;
+  for (U64 port = 2; port <= 56; ++port) {
+    const Nexo::IntfId intf("CoppSystem" + std::to_string(port));
+    status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(port), intf);
+    ingress(intf);
+  }
+  const auto entityManager = Mote::make<Cortex::EntityManager>();
+  entityManager->mountIs(CounterTables::path, tables);
+  printer = countersPrinterFactory(status, tmMapping, nullptr, nullptr, nullptr, entityManager, false);
+}
+
+std::string busyStateFile(std::size_t interfaces) {
+  using Json = nlohmann::json;
+  Json state{{"status", {{"fapIdToName", {{"0", "Fap0"}}}, {"fapNumCores", {{"0", 2}}}}}};
+  Json& status = state["status"];
+  U64 n = 0;
+  const auto quad = [&] {
+    const CounterQuad q = busyQuad(n++);
+    return Json{q.enqueuedPackets, q.enqueuedBytes, q.droppedPackets, q.droppedBytes};
+  };
+  for (std::size_t i = 0; i < interfaces; ++i) {
+    const std::string name = nameOf(i);
+    const std::string port = std::to_string(portOf(i).value());
+    state["interfaces"].push_back(name);
+    status["sppidToIntfId"][port] = name;
+    status["intfIdToSppid"][name] = portOf(i).value();
+    status["portMap"][port] = {{"fapPortId", 1}, {"fapId", 0}, {"coreId", i % 2}};
+    state["tmMapping"]["portTmMap"].push_back(portOf(i).value());
+    for (int core = 0; core < 2; ++core) {
+      Json entry{{"fapId", 0}, {"coreId", core}, {"intfId", name}};
+      for (int t = 0; t < 8; ++t) entry["queues"].push_back(quad());
+      state["counters"]["ingress"].push_back(std::move(entry));
+    }
+    for (int t = 0; t < 8; ++t) state["counters"]["egress"][name]["queues"].push_back(quad());
+  }
+  return state.dump();
+}
+
+Answer command(const BusySwitch& on, const std::string& name, U32 format) {
+  const auto fdOf = [](int fd) { return static_cast<U32>(fd); };
+  if (name == "queues")
+    return [&on, format, fdOf](int fd) {
+      on.printer->showInterfacesQueueCounters(fdOf(fd), format, on.intfs, false, false);
+    };
+  if (name == "ingress")
+    return [&on, format, fdOf](int fd) {
+      on.printer->showInterfacesQueueIngressCounters(fdOf(fd), format, on.intfs, false, false);
+    };
+  if (name == "drops")
+    return [&on, format, fdOf](int fd) {
+      on.printer->showInterfacesQueueDropsCounters(fdOf(fd), format, on.intfs);
+    };
+  return [&on, format, fdOf](int fd) { on.printer->showCpuQueueCounters(fdOf(fd), format, false, false); };
+}
+
+Writes writesOf(const Answer& answer) {
+  // A socket of messages keeps apart what was written apart.
+  int ends[2];
+  constexpr int roomy = 1 << 20;
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) != 0) std::abort();
+  ::setsockopt(ends[0], SOL_SOCKET, SO_SNDBUF, &roomy, sizeof roomy);
+  Writes writes;
+  std::thread reader([&] {
+    std::string message(std::size_t{128} * 1024, '\0');
+    for (ssize_t size = 0; (size = ::read(ends[1], message.data(), message.size())) > 0;) {
+      writes.emplace_back(message.data(), static_cast<std::size_t>(size));
+    }
+  });
+  answer(ends[0]);
+  ::close(ends[0]);
+  reader.join();
+  ::close(ends[1]);
+  return writes;
+}
+
+void writeAll(int fd, const Writes& writes) {
+  for (const std::string& part : writes) {
+    if (::write(fd, part.data(), part.size()) != static_cast<ssize_t>(part.size())) std::abort();
+  }
+}
+
+}  // namespace loambench

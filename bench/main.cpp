@@ -1,0 +1,8 @@
+#include "bench/Benches.h"
+#include "bench/Rounds.h"
+
+int main(int argc, char** argv) {
+  loambench::addRows();
+  loambench::addCommands();
+  return loambench::runAll(argc, argv);
+}

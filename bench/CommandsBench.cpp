@@ -137,7 +137,9 @@ struct DebugReport {
     const auto descriptor = Mote::make<FapDescriptor>();
     descriptor->counterDescriptorDir = directory;
     descriptors->fapDescriptorIs("Fap0", descriptor);
-    managers->shmemMgrIs("Fap0", Mote::make<ShmemManager>(ShmemWriter({{"current", values}}).fd(), "Fap0"));
+    const ShmemWriter writer({{"Fap0", "current", values}});
+    const auto region = Mote::make<Brim::Counters::ShmemRegion>(writer.fd(), "debug");
+    managers->shmemMgrIs("Fap0", Mote::make<ShmemManager>(region, "Fap0"));
   }
   void print(int fd) const {
     debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, static_cast<U32>(fd),

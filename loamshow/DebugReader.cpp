@@ -10,6 +10,8 @@ using Brim::Counters::CounterBlockDescriptorPtrDir;
 using Brim::Counters::CounterDescriptor;
 using Brim::Counters::CounterDescriptorDir;
 using Brim::Counters::CounterFieldDescriptor;
+using Brim::Counters::ShmemManager;
+using Brim::Counters::ShmemRegion;
 using Brim::Counters::ShmemWriter;
 
 CounterFieldDescriptor::PtrConst field(JsonValue member) {
@@ -107,32 +109,39 @@ Counter counter(JsonValue object) {
   return counter;
 }
 
-/// The values in a region of shared memory, as another process would keep them.
-Brim::Counters::ShmemManager::PtrConst manager(JsonValue object, const Mote::String& fapName) {
-  std::vector<ShmemWriter::Snapshot> snapshots;
+/// Reads a FAP's snapshots behind those of others.
+void readSnapshots(JsonValue object, const Mote::String& fapName, std::vector<ShmemWriter::Snapshot>& all) {
   Vane::HashMap<Mote::String, bool> seen;
   readMap(object, seen, nameKey, [&](JsonValue member) {
-    ShmemWriter::Snapshot& snapshot = snapshots.emplace_back(ShmemWriter::Snapshot{nameKey(member), {}});
+    ShmemWriter::Snapshot& snapshot = all.emplace_back(ShmemWriter::Snapshot{fapName, nameKey(member), {}});
     for (const JsonValue record : member.elements()) snapshot.counters.push_back(counter(record));
     return true;
   });
-  return Mote::make<Brim::Counters::ShmemManager>(ShmemWriter(snapshots).fd(), fapName);
 }
 
-DebugFap debugFap(JsonValue member) {
-  DebugFap fap{nameKey(member), nullptr, nullptr};
-  const auto descriptor = Mote::make<LoamCounters::FapDescriptor>();
-  for (JsonMembers in(member); in.next();) {
-    if (in.is("directory")) {
-      descriptor->counterDescriptorDir = directory(in.value());
-    } else if (in.is("snapshots")) {
-      fap.manager = manager(in.value(), fap.name);
-    } else {
-      in.unknown();
+void readFaps(JsonValue object, std::vector<DebugFap>& faps) {
+  std::vector<ShmemWriter::Snapshot> snapshots;
+  std::vector<std::size_t> managed;  // the FAPs that have snapshots, maybe none of them
+  Vane::HashMap<Mote::String, bool> seen;
+  readMap(object, seen, nameKey, [&](JsonValue member) {
+    DebugFap& fap = faps.emplace_back(DebugFap{nameKey(member), nullptr, nullptr});
+    const auto descriptor = Mote::make<LoamCounters::FapDescriptor>();
+    for (JsonMembers in(member); in.next();) {
+      if (in.is("directory")) {
+        descriptor->counterDescriptorDir = directory(in.value());
+      } else if (in.is("snapshots")) {
+        readSnapshots(in.value(), fap.name, snapshots);
+        managed.push_back(faps.size() - 1);
+      } else {
+        in.unknown();
+      }
     }
-  }
-  fap.descriptor = descriptor;
-  return fap;
+    fap.descriptor = descriptor;
+    return true;
+  });
+  // The values go into shared memory, as another process would keep them.
+  const auto region = Mote::make<ShmemRegion>(ShmemWriter(snapshots).fd(), "debug");
+  for (const std::size_t i : managed) faps[i].manager = Mote::make<ShmemManager>(region, faps[i].name);
 }
 
 }  // namespace
@@ -142,11 +151,7 @@ void readDebug(JsonValue object, SwitchState& state) {
     if (in.is("switchTimeOffset")) {
       state.switchTimeOffset = Vane::Seconds(in.value().real());
     } else if (in.is("faps")) {
-      Vane::HashMap<Mote::String, bool> seen;
-      readMap(in.value(), seen, nameKey, [&](JsonValue member) {
-        state.debugFaps.push_back(debugFap(member));
-        return true;
-      });
+      readFaps(in.value(), state.debugFaps);
     } else {
       in.unknown();
     }

@@ -137,11 +137,15 @@ std::string report(const CounterDescriptorDir::PtrConst& directory, const ShmemM
   return file.content();
 }
 
+ShmemRegion::PtrConst region(const ShmemWriter& writer) {
+  return Mote::make<ShmemRegion>(writer.fd(), "R");
+}
+
 /// A manager that does something to its surroundings at its nth read.
 class Meddler : public ShmemManager {
  public:
   Meddler(int at, std::function<void()> meddle)
-      : ShmemManager(ShmemWriter({}).fd(), "F1"), at_(at), meddle_(std::move(meddle)) {}
+      : ShmemManager(region(ShmemWriter({})), "F1"), at_(at), meddle_(std::move(meddle)) {}
   Counter counter(const Mote::String&, U32) const override {
     if (++reads_ == at_) meddle_();
     return {};
@@ -180,7 +184,8 @@ TEST(DebugReport, PiecesComposeABlock) {
   const auto counter = Mote::make<CounterDescriptor>();
   counter->displayName = "C";
   counter->numInstances = 2;
-  const auto manager = Mote::make<ShmemManager>(ShmemWriter({{"now", {Counter{.value = 3}}}}).fd(), "F");
+  const auto manager =
+      Mote::make<ShmemManager>(region(ShmemWriter({{"F", "now", {Counter{.value = 3}}}})), "F");
   const MemoryFile file;
   const U32 fd = file.fdNumber();
   printer->printFapName(fd, 1, "F");
@@ -212,12 +217,12 @@ TEST(DebugReport, TracesWhenAskedTo) {
 }
 
 TEST(Shmem, RefusesDamagedRegions) {
-  const ShmemWriter writer({{"now", {Counter{.value = 3}, Counter{.value = 4}}}, {"", {}}});
-  std::string whole(192, '\0');
+  const ShmemWriter writer({{"F", "now", {Counter{.value = 3}, Counter{.value = 4}}}, {"", "", {}}});
+  std::string whole(256, '\0');
   whole.resize(static_cast<std::size_t>(::pread(writer.fd(), whole.data(), whole.size(), 0)));
   const auto refused = [](const std::string& region) {
     try {
-      const ShmemManager manager(MemoryFile(region).fd(), "F");
+      Mote::make<ShmemRegion>(MemoryFile(region).fd(), "R");
       return std::string();
     } catch (const Vane::InternalException& error) {
       return std::string(error.what());
@@ -232,13 +237,14 @@ TEST(Shmem, RefusesDamagedRegions) {
   constexpr std::size_t snapshot = sizeof(RegionHeader);
   for (const std::string& damaged :
        {whole.substr(0, whole.size() - 1), whole.substr(0, 10), std::string(),
-        with(offsetof(RegionHeader, magic), 1), with(offsetof(RegionHeader, version), 2),
-        with(offsetof(RegionHeader, version), 0xffffffff00000001),
+        with(offsetof(RegionHeader, magic), 1), with(offsetof(RegionHeader, version), 1),
+        with(offsetof(RegionHeader, version), 0xffffffff00000002),
+        with(snapshot + offsetof(SnapshotHeader, fap), whole.size()),
         with(snapshot + offsetof(SnapshotHeader, name), ~U64{0}),
         with(snapshot + offsetof(SnapshotHeader, records), whole.size()),
         with(snapshot + offsetof(SnapshotHeader, records), 73),
         with(snapshot + offsetof(SnapshotHeader, nameSize), 0xffffffff00000003)}) {
-    EXPECT_THAT(refused(damaged), testing::StartsWith("counter region F: "));
+    EXPECT_THAT(refused(damaged), testing::StartsWith("counter region R: "));
   }
 }
 
@@ -249,15 +255,15 @@ TEST(Shmem, NeverReadsATornField) {
     return Counter{value, time, time, time, value != 0};
   };
   constexpr U64 values[] = {0, 0xffffffffffffffff};
-  ShmemWriter writer({{"now", {record(0)}}});
-  const ShmemManager manager(writer.fd(), "F");
+  ShmemWriter writer({{"F", "now", {record(0)}}});
+  const auto manager = Mote::make<ShmemManager>(region(writer), "F");
   const pid_t child = ::fork();
   if (child == 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     for (U64 i = 0;; ++i) writer.counterIs(0, 0, record(values[i % 2]));
   }
   for (int i = 0; i < 2'000'000; ++i) {
-    const Counter read = manager.counter("now", 0);
+    const Counter read = manager->counter("now", 0);
     ASSERT_TRUE(read.value == values[0] || read.value == values[1]) << read.value;
     ASSERT_TRUE(read.lastUpdate == record(values[0]).lastUpdate ||
                 read.lastUpdate == record(values[1]).lastUpdate);

@@ -63,7 +63,7 @@ U64 aligned(U64 size) {
 
 }  // namespace
 
-ShmemManager::ShmemManager(int fd, const Mote::String& name) {
+ShmemRegion::ShmemRegion(int fd, const Mote::String& name) {
   const auto fail = [&](const char* problem) {
     if (region_ != nullptr) ::munmap(region_, size_);
     throw Vane::InternalException("counter region " + name + ": " + problem);
@@ -88,21 +88,33 @@ ShmemManager::ShmemManager(int fd, const Mote::String& name) {
   for (U64 i = 0; i < header.snapshots; ++i) {
     const SnapshotHeader snapshot =
         *at<SnapshotHeader>(region_, sizeof(RegionHeader) + i * sizeof(SnapshotHeader));
-    const bool fits = within(snapshot.name, snapshot.nameSize, header.size) &&
+    const bool fits = within(snapshot.fap, snapshot.fapSize, header.size) &&
+                      within(snapshot.name, snapshot.nameSize, header.size) &&
                       within(snapshot.records, U64{snapshot.count} * sizeof(RegionRecord), header.size) &&
                       snapshot.records % alignment == 0;
     if (!fits) fail("a snapshot outside of it");
-    snapshots_.set(std::string_view(at<char>(region_, snapshot.name), snapshot.nameSize),
-                   {at<RegionRecord>(region_, snapshot.records), snapshot.count});
+    const auto text = [&](U64 begin, U32 size) { return std::string_view(at<char>(region_, begin), size); };
+    faps_[text(snapshot.fap, snapshot.fapSize)].set(
+        text(snapshot.name, snapshot.nameSize),
+        {at<RegionRecord>(region_, snapshot.records), snapshot.count});
   }
 }
 
-ShmemManager::~ShmemManager() {
+ShmemRegion::~ShmemRegion() {
   ::munmap(region_, size_);
 }
 
+const ShmemRegion::Snapshots* ShmemRegion::snapshots(const Mote::String& fap) const {
+  const auto found = faps_.find(fap);
+  return found == faps_.end() ? nullptr : &found->second;
+}
+
+ShmemManager::ShmemManager(ShmemRegion::PtrConst region, const Mote::String& fap)
+    : region_(std::move(region)), snapshots_(region_->snapshots(fap)) {
+}
+
 Counter ShmemManager::counter(const Mote::String& snapshot, U32 index) const {
-  const std::span<RegionRecord>* records = snapshots_.find(snapshot);
+  const std::span<RegionRecord>* records = snapshots_ == nullptr ? nullptr : snapshots_->find(snapshot);
   if (records == nullptr || index >= records->size()) return {};
   RegionRecord& record = (*records)[index];
   return {load(record.value), loadTime(record.firstUpdate), loadTime(record.lastUpdate),
@@ -112,7 +124,8 @@ Counter ShmemManager::counter(const Mote::String& snapshot, U32 index) const {
 ShmemWriter::ShmemWriter(const std::vector<Snapshot>& snapshots) {
   size_ = sizeof(RegionHeader) + snapshots.size() * sizeof(SnapshotHeader);
   for (const Snapshot& snapshot : snapshots) {
-    size_ += aligned(snapshot.name.size()) + snapshot.counters.size() * sizeof(RegionRecord);
+    size_ += aligned(snapshot.fap.size()) + aligned(snapshot.name.size()) +
+             snapshot.counters.size() * sizeof(RegionRecord);
   }
   fd_ = ::memfd_create("loam-counters", MFD_CLOEXEC | MFD_ALLOW_SEALING);
   if (fd_ < 0) throwSystemError("cannot make a counter region");
@@ -126,16 +139,23 @@ ShmemWriter::ShmemWriter(const std::vector<Snapshot>& snapshots) {
   }
 
   U64 free = sizeof(RegionHeader) + snapshots.size() * sizeof(SnapshotHeader);
+  const auto lay = [&](const Mote::String& text) {
+    const U64 begin = free;
+    std::memcpy(at<char>(region_, begin), text.c_str(), text.size());
+    free += aligned(text.size());
+    return begin;
+  };
   for (std::size_t i = 0; i < snapshots.size(); ++i) {
     const Snapshot& snapshot = snapshots[i];
     SnapshotHeader header{};
-    header.name = free;
+    header.fap = lay(snapshot.fap);
+    header.fapSize = static_cast<U32>(snapshot.fap.size());
+    header.name = lay(snapshot.name);
     header.nameSize = static_cast<U32>(snapshot.name.size());
-    header.records = free + aligned(snapshot.name.size());
+    header.records = free;
     header.count = static_cast<U32>(snapshot.counters.size());
-    free = header.records + snapshot.counters.size() * sizeof(RegionRecord);
+    free += snapshot.counters.size() * sizeof(RegionRecord);
     *at<SnapshotHeader>(region_, sizeof(RegionHeader) + i * sizeof(SnapshotHeader)) = header;
-    std::memcpy(at<char>(region_, header.name), snapshot.name.c_str(), snapshot.name.size());
     records_.emplace_back(at<RegionRecord>(region_, header.records), header.count);
     for (std::size_t j = 0; j < snapshot.counters.size(); ++j) counterIs(i, j, snapshot.counters[j]);
   }

@@ -120,6 +120,11 @@ std::string printable(std::string_view text) {
 }  // namespace
 
 JsonDocument::JsonDocument(std::string name, std::string_view text) : name_(std::move(name)) {
+  // The parser takes a NUL for the end of the text.
+  if (text.empty() || text.find('\0') != std::string_view::npos) {
+    throw InputError(name_ + ": " +
+                     (text.empty() ? "the file is empty" : "a NUL byte where JSON was expected"));
+  }
   JsonBuilder builder(*this);
   if (!nlohmann::json::sax_parse(text, &builder)) throw InputError(name_ + ": " + printable(builder.error()));
 }

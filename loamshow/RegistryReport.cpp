@@ -100,12 +100,13 @@ void listType(std::ostream& out, const Vane::TypeDescriptor& type, std::size_t i
 
 std::string registryListing() {
   std::ostringstream out;
+  const char* separator = "";
   for (const Vane::ModuleDescriptor* module : Vane::modules()) {
-    out << "Module " << module->unit << "\n  symbol  " << module->symbol << "\n";
+    out << separator << "Module " << module->unit << "\n  symbol  " << module->symbol << "\n";
     for (const std::string_view used : module->uses) out << "  uses    " << used << "\n";
     std::size_t index = 0;
     for (const Vane::TypeDescriptor& type : module->types) listType(out, type, index++);
-    out << "\n";
+    separator = "\n";
   }
   return out.str();
 }

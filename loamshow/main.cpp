@@ -89,6 +89,7 @@ int main(int argc, char** argv) {
   using namespace loamshow;
   // A reader that has seen enough is no failure to speak of: the write then fails with EPIPE.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);  // a file at its size limit: EFBIG
   try {
     return run(parseCommandLine(argc, argv));
   } catch (const InputError& error) {

@@ -121,7 +121,8 @@ TEST(StateFile, SurvivesNonsense) {
   const auto isSyntaxError = testing::AllOf(
       testing::StartsWith("s.json: parse error at line 1"), testing::Not(testing::HasSubstr("\n")),
       testing::ResultOf([](const std::string& s) { return s.size(); }, testing::Lt(300U)));
-  EXPECT_THAT(stateError(""), isSyntaxError);
+  EXPECT_EQ(stateError(""), "s.json: the file is empty");
+  EXPECT_EQ(stateError({"{}\0{", 4}), "s.json: a NUL byte where JSON was expected");
   EXPECT_THAT(stateError("{} {}"), isSyntaxError);
   EXPECT_THAT(stateError("{\"a\": " + std::string(100'000, '[')), isSyntaxError);
   EXPECT_THAT(stateError("{\"interfaces\": [\"\xff\"]}"), isSyntaxError);

@@ -150,7 +150,12 @@ TEST(Program, ExplainsWrongUsage) {
       {{"queues", "Ethernet99"}, "no such interface \"Ethernet99\""},
       {{"-s", "/nowhere.json", "mtu"}, "/nowhere.json: cannot read: No such file or directory"},
       {{"-s", "/", "mtu"}, "/: cannot read: Is a directory"},
-      {{"-s", "-", "mtu"}, "standard input: parse error at line 1, column 1: .*"},
+      {{"-s", "-", "mtu"}, "standard input: the file is empty"},
+      {{"mtu", "--json=false"}, "--json takes no value (see --help)"},
+      {{"acl", "--state=", "mtu"}, ": cannot read: No such file or directory"},
+      {{"acl", "++"}, "no such interface \"++\""},
+      {{"acl", "[x]"}, "no such interface \"[x]\""},
+      {{"acl", "--", "-j"}, "no such interface \"-j\""},
       {{"-s", bad, "mtu"}, ".*bad.json: /status: expected an object"},
       {{"--plugin", "/nowhere.so", "mtu"}, "cannot load the plug-in: /nowhere.so: .*"},
       {{"--plugin", "libm.so.6", "mtu"}, "cannot load the plug-in: .*libm.so.6: .*"}};

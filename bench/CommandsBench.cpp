@@ -21,8 +21,6 @@
 #include "platform/Keel.h"
 #include "platform/tabula.h"
 
-extern char** environ;
-
 namespace loambench {
 
 namespace {
@@ -243,8 +241,8 @@ void addLoading() {
                                     ""},
                                    {"ours",
                                     [=] {
-                                      if (loamshow::parseState("bench", *text).interfaces.empty())
-                                        std::abort();
+                                      const auto state = loamshow::parseState("bench", *text);
+                                      if (state.interfaces.empty()) std::abort();
                                     },
                                     "<= 2"}};
   });
@@ -257,8 +255,11 @@ void runToFirstByte(const char* path, const std::vector<const char*>& arguments)
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO);
-  std::vector<char*> argv = {const_cast<char*>(path)};
-  for (const char* argument : arguments) argv.push_back(const_cast<char*>(argument));
+  std::vector<std::string> words(arguments.begin(), arguments.end());
+  words.insert(words.begin(), path);
+  std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
+  for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
   pid_t child = 0;
   if (::posix_spawn(&child, path, &actions, nullptr, argv.data(), environ) != 0) std::abort();

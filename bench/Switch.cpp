@@ -127,18 +127,21 @@ std::string busyStateFile(std::size_t interfaces) {
 
 Answer command(const BusySwitch& on, const std::string& name, U32 format) {
   const auto fdOf = [](int fd) { return static_cast<U32>(fd); };
-  if (name == "queues")
+  if (name == "queues") {
     return [&on, format, fdOf](int fd) {
       on.printer->showInterfacesQueueCounters(fdOf(fd), format, on.intfs, false, false);
     };
-  if (name == "ingress")
+  }
+  if (name == "ingress") {
     return [&on, format, fdOf](int fd) {
       on.printer->showInterfacesQueueIngressCounters(fdOf(fd), format, on.intfs, false, false);
     };
-  if (name == "drops")
+  }
+  if (name == "drops") {
     return [&on, format, fdOf](int fd) {
       on.printer->showInterfacesQueueDropsCounters(fdOf(fd), format, on.intfs);
     };
+  }
   return [&on, format, fdOf](int fd) { on.printer->showCpuQueueCounters(fdOf(fd), format, false, false); };
 }
 

@@ -132,6 +132,7 @@ Record pairedRecord(JsonValue object) {
     } else if (in.is("total")) {
       total.give(in.value());
     } else if (mayShareQueues && in.is("ambiguousTcs")) {
+      // NOLINTNEXTLINE(bugprone-redundant-branch-condition): the other instance does not compile it
       if constexpr (mayShareQueues) readAmbiguousTcs(in.value(), record);
     } else {
       in.unknown();

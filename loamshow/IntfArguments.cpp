@@ -97,8 +97,9 @@ void appendRange(const Names& names, std::string_view range, std::size_t hyphen,
   if (isLess(last, number)) throw InputError("backwards range " + quoted(range));
   for (;; increment(number)) {
     const IntfId intf = names.find(prefix + number);
-    if (intf == IntfId())
+    if (intf == IntfId()) {
       throw InputError("no such interface " + quoted(prefix + number) + " of " + quoted(range));
+    }
     selected.push_back(intf);
     if (number == last) break;
   }

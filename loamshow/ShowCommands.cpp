@@ -32,8 +32,9 @@ Object countersPrinter(const SwitchState& state) {
 
 Value interfaceList(const CommandLine& line, const SwitchState& state) {
   const Object list("LoamCounters::IntfList", {});
-  for (const Nexo::IntfId intf : selectInterfaces(state.interfaces, line.interfaces))
+  for (const Nexo::IntfId intf : selectInterfaces(state.interfaces, line.interfaces)) {
     list.enqueue("intf", intf);
+  }
   return list.handle();
 }
 

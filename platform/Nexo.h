@@ -2,6 +2,7 @@
 
 // Nexo, the network identifier library: interface ids.
 
+#include <bit>
 #include <cstdint>
 #include <string_view>
 
@@ -28,7 +29,7 @@ class IntfId {
   Kind kind() const noexcept { return record_->kind; }
 
   bool operator==(const IntfId&) const = default;
-  std::size_t hash() const noexcept { return reinterpret_cast<std::uintptr_t>(record_); }
+  std::size_t hash() const noexcept { return std::bit_cast<std::uintptr_t>(record_); }
 
  private:
   friend class IntfRecords;

@@ -51,8 +51,7 @@ void printCounterValue(tabula::Printer& printer, const Mote::String& name,
   const bool allTimes = fetchType == fetchAllTimes;
   const bool unfetched = !allTimes && counter.lastUpdate == never;
   std::array<char, 20> digits{};
-  const std::string_view count(
-      digits.data(), std::to_chars(digits.begin(), digits.end(), counter.value).ptr - digits.begin());
+  const std::string_view count(digits.data(), std::to_chars(digits.begin(), digits.end(), counter.value).ptr);
   const std::string_view value = unfetched ? "n/a" : count;
   const Mote::String firstUpdate = allTimes ? timeText(counter.firstUpdate) : "";
   const Mote::String lastUpdate = timeText(counter.lastUpdate);

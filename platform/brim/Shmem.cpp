@@ -50,7 +50,7 @@ bool within(U64 begin, U64 size, U64 regionSize) {
 
 template <class T>
 T* at(void* region, U64 offset) {
-  return reinterpret_cast<T*>(static_cast<char*>(region) + offset);
+  return static_cast<T*>(static_cast<void*>(static_cast<char*>(region) + offset));
 }
 
 U64 aligned(U64 size) {
@@ -121,13 +121,13 @@ Counter ShmemManager::counter(const Mote::String& snapshot, U32 index) const {
           loadTime(record.lastDiscontinuity), load(record.overflow) != 0};
 }
 
-ShmemWriter::ShmemWriter(const std::vector<Snapshot>& snapshots) {
-  size_ = sizeof(RegionHeader) + snapshots.size() * sizeof(SnapshotHeader);
+ShmemWriter::ShmemWriter(const std::vector<Snapshot>& snapshots)
+    : fd_(::memfd_create("loam-counters", MFD_CLOEXEC | MFD_ALLOW_SEALING)),
+      size_(sizeof(RegionHeader) + snapshots.size() * sizeof(SnapshotHeader)) {
   for (const Snapshot& snapshot : snapshots) {
     size_ += aligned(snapshot.fap.size()) + aligned(snapshot.name.size()) +
              snapshot.counters.size() * sizeof(RegionRecord);
   }
-  fd_ = ::memfd_create("loam-counters", MFD_CLOEXEC | MFD_ALLOW_SEALING);
   if (fd_ < 0) throwSystemError("cannot make a counter region");
   // A region that cannot shrink cannot fault under a reader.
   if (::ftruncate(fd_, static_cast<off_t>(size_)) != 0 || ::fcntl(fd_, F_ADD_SEALS, F_SEAL_SHRINK) != 0 ||

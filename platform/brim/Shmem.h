@@ -118,9 +118,9 @@ class ShmemWriter {
   void counterIs(std::size_t snapshot, std::size_t index, const Counter& counter);
 
  private:
-  int fd_ = -1;
+  int fd_;
   void* region_ = nullptr;
-  std::size_t size_ = 0;
+  std::size_t size_;
   std::vector<std::span<RegionRecord>> records_;
 };
 

@@ -23,9 +23,9 @@ class Value {
  public:
   Value() = default;
 
-  // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): the concept keeps copies and moves out
-  template <Carried T>
-  Value(T&& value) : Value(std::in_place, std::remove_cvref_t<T>(std::forward<T>(value))) {}
+  template <Carried T>  // which keeps copies and moves out
+  Value(T&& value)      // NOLINT(bugprone-forwarding-reference-overload)
+      : Value(std::in_place, std::remove_cvref_t<T>(std::forward<T>(value))) {}
 
   bool empty() const noexcept { return !held_.has_value(); }
   /// The name of the type held, "nothing" when empty.

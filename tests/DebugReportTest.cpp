@@ -8,6 +8,10 @@
 
 #include "LoamCounters/DebugCountersPrinter/DebugCountersPrinter.h"
 #include "LoamCounters/DebugCountersPrinter/FapReport.h"
+#include "loamshow/CommandLine.h"
+#include "loamshow/ShowCommands.h"
+#include "loamshow/StateFile.h"
+#include "tests/Faults.h"
 #include "tests/Support.h"
 
 namespace loamtest {
@@ -177,6 +181,12 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   const std::string shortened = block(1) + "[B2]\n" + line1;
   EXPECT_EQ(report(directory, Mote::make<Meddler>(3, removeC2)),
             title("F1") + shortened + title("F2") + shortened);
+}
+
+TEST(DebugReport, CarriesOnOrEndsCleanlyAtEveryFault) {
+  const loamshow::CommandLine line = parsed({"debug"});
+  const loamshow::SwitchState state = loamshow::parseState("state", debugSwitch().dump());
+  expectEveryFaultHandled("debug", [&](U32 fd) { loamshow::runShowCommand(line, state, fd); });
 }
 
 TEST(DebugReport, PiecesComposeABlock) {

@@ -6,7 +6,6 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "loamshow/CommandLine.h"
 #include "loamshow/ShowCommands.h"
 #include "loamshow/StateFile.h"
 
@@ -92,16 +91,20 @@ Json ingressSum(U64 intf, U64 t) {
               quad(ingressBase(intf, 2, t)));
 }
 
-std::string answer(const Json& state, const std::vector<std::string>& arguments) {
+loamshow::CommandLine parsed(const std::vector<std::string>& arguments) {
   std::vector<std::string> words = {"loamshow"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
-  const loamshow::CommandLine line = loamshow::parseCommandLine(static_cast<int>(argv.size()), argv.data());
-  const loamshow::SwitchState parsed = loamshow::parseState("state", state.dump());
-  loamshow::mountProcessWide(parsed);
+  return loamshow::parseCommandLine(static_cast<int>(argv.size()), argv.data());
+}
+
+std::string answer(const Json& state, const std::vector<std::string>& arguments) {
+  const loamshow::CommandLine line = parsed(arguments);
+  const loamshow::SwitchState switchState = loamshow::parseState("state", state.dump());
+  loamshow::mountProcessWide(switchState);
   const MemoryFile file;
-  loamshow::runShowCommand(line, parsed, file.fdNumber());
+  loamshow::runShowCommand(line, switchState, file.fdNumber());
   return file.content();
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "loamshow/CommandLine.h"
 #include "platform/Mote.h"
 #include "platform/Vane.h"
 
@@ -42,6 +43,8 @@ inline U64 egressBase(U64 kind, U64 intf, U64 t, U64 destType) {
   return 1'000'000 * (kind + 1) + intf * 100'000 + t * 100 + destType * 10;
 }
 
+/// A command line such as {"queues", "-j"}.
+loamshow::CommandLine parsed(const std::vector<std::string>& arguments);
 /// The answer of a command line such as {"queues", "-j"} on a state, in this process. Raises what the program
 /// would report.
 std::string answer(const Json& state, const std::vector<std::string>& arguments);

@@ -15,14 +15,15 @@ Printer::Printer(int fd, U32 format, bool, bool, bool, U32) : Renderer(format), 
 Printer::~Printer() {
   const bool endsEarly = std::uncaught_exceptions() > 0;
   try {
-    close();
+    flushBuffer();
   } catch (const std::exception& failure) {
     if (!endsEarly) Vane::fatal(failure.what());
   }
 }
 
 void Printer::close() {
-  flushBuffer();
+  ioflush();
+  checkInterrupt();
 }
 
 void Printer::take(std::string_view bytes) {

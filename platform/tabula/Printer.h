@@ -16,7 +16,8 @@ class Printer : public Renderer {
   /// since a failure here is fatal.
   ~Printer() override;
 
-  /// Writes what is still buffered. The answer is whole when this has returned.
+  /// Writes what is still buffered. The answer is whole, and nobody has interrupted it, when this has
+  /// returned.
   void close();
 
  protected:

@@ -1,0 +1,118 @@
+#include "tests/Faults.h"
+
+#include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "platform/tabula.h"
+#include "tests/Support.h"
+
+namespace loamtest {
+
+namespace {
+
+/// What becomes of a write.
+struct Fault {
+  const char* name;
+  int error;         // that it fails with; 0: it succeeds
+  std::size_t most;  // bytes that it takes
+  bool interrupts;   // the user's interrupt comes while it runs
+  bool isFinal;      // for the answer
+};
+
+constexpr std::size_t all = ~std::size_t{0};
+constexpr Fault faults[] = {
+    {"short", 0, 1, false, false},
+    {"EINTR", EINTR, all, false, false},
+    {"EAGAIN", EAGAIN, all, false, false},
+    {"EPIPE", EPIPE, all, false, true},
+    {"ENOSPC", ENOSPC, all, false, true},
+    {"EIO", EIO, all, false, true},
+    {"interrupt before", EINTR, all, true, true},
+    {"interrupt within", 0, 1, true, true},
+    {"interrupt after", 0, all, true, true},
+};
+
+/// The writes of one run.
+struct Run {
+  int fd = -1;
+  const Fault* fault = nullptr;
+  std::size_t faultAt = 0;  // counted from 1
+  std::vector<std::size_t> sizes;
+  std::string said;  // on standard output
+};
+Run* running = nullptr;
+
+struct Outcome {
+  Run run;
+  std::string written;
+  std::string raised;
+};
+
+Outcome outcome(const std::function<void(U32 fd)>& command, const Fault* fault, std::size_t faultAt) {
+  const MemoryFile file;
+  Outcome outcome{{file.fd(), fault, faultAt, {}, {}}, {}, {}};
+  running = &outcome.run;
+  try {
+    command(file.fdNumber());
+  } catch (const std::exception& error) {
+    outcome.raised = error.what();
+  }
+  running = nullptr;
+  outcome.written = file.content();
+  return outcome;
+}
+
+}  // namespace
+
+void expectEveryFaultHandled(const std::string& name, const std::function<void(U32 fd)>& command,
+                             const std::string& raised) {
+  const Outcome whole = outcome(command, nullptr, 0);
+  EXPECT_EQ(whole.raised, raised) << name;
+  EXPECT_FALSE(whole.written.empty()) << name;
+  std::size_t before = 0;
+  for (std::size_t at = 1; at <= whole.run.sizes.size(); ++at) {
+    const std::size_t size = whole.run.sizes[at - 1];
+    for (const Fault& fault : faults) {
+      SCOPED_TRACE(name + ", write " + std::to_string(at) + ": " + fault.name);
+      const bool whileRaising = !raised.empty() && at == whole.run.sizes.size();
+      if (whileRaising && fault.interrupts) continue;
+      const Outcome got = outcome(command, &fault, at);
+      const std::size_t taken = before + (fault.error == 0 ? std::min(fault.most, size) : 0);
+      EXPECT_EQ(got.written, fault.isFinal ? whole.written.substr(0, taken) : whole.written);
+      if (fault.isFinal) {
+        EXPECT_EQ(got.run.sizes.size(), at) << "nothing is written behind it";
+      }
+      EXPECT_EQ(got.run.said, fault.interrupts ? "exiting interrupted by user\n" : "");
+      const bool fails = fault.isFinal && !fault.interrupts && !whileRaising;
+      const std::string failure = "cannot write the answer: " + std::generic_category().message(fault.error);
+      EXPECT_EQ(got.raised, fails ? failure : fault.interrupts ? "" : raised);
+      EXPECT_FALSE(tabula::interruptPending());
+    }
+    before += size;
+  }
+}
+
+}  // namespace loamtest
+
+// Stands in front of the C library's, for the platform library too.
+extern "C" ssize_t write(int fd, const void* data, size_t size) {
+  loamtest::Run* const run = loamtest::running;
+  if (run != nullptr && fd == STDOUT_FILENO) {
+    run->said.append(static_cast<const char*>(data), size);
+    return static_cast<ssize_t>(size);
+  }
+  if (run != nullptr && fd == run->fd) {
+    run->sizes.push_back(size);
+    if (run->fault != nullptr && run->sizes.size() == run->faultAt) {
+      if (run->fault->interrupts) tabula::interrupt();
+      errno = run->fault->error;
+      if (errno != 0) return -1;
+      size = std::min(size, run->fault->most);
+    }
+  }
+  return ::syscall(SYS_write, fd, data, size);
+}

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <thread>
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "loamshow/StateFile.h"
@@ -199,6 +200,26 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
          "Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
          "Hardware::Loam::LocalCoreId::null not allowed");
   EXPECT_EQ(users(), usersBefore);
+}
+
+TEST(Threads, ShareOnePrinter) {
+  const Fixture fixture;
+  fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("CpuTm0"));
+  const auto printer = fixture.printer();
+  // The CPU command comes first, in all threads at once: it fills what the process then keeps.
+  const auto answers = [&] {
+    std::string all;
+    for (const char* operation : {"cpu", "queues", "ingress", "drops", "acl", "mtu"}) {
+      for (const U32 fmt : {1U, 2U}) all += called(printer, operation, fmt, fixture.intfs);
+    }
+    return all;
+  };
+  std::vector<std::string> got(4);
+  std::vector<std::thread> threads;
+  for (std::string& all : got) threads.emplace_back([&] { all = answers(); });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(got, testing::Each(answers()));
+  EXPECT_THAT(got.front(), HasSubstr("CoppSystemDefault"));
 }
 
 TEST(CountersPrinter, BrokenInvariantsAreFatal) {

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <random>
 #include <thread>
 
 #include "platform/tabula.h"
@@ -13,8 +12,6 @@
 namespace loamtest {
 
 namespace {
-
-using tabula::Arg;
 
 constexpr U32 text = tabula::formatText;
 constexpr U32 json = tabula::formatJson;
@@ -27,55 +24,6 @@ std::string printed(U32 format, Calls calls) {
   calls(printer);
   printer.close();
   return file.content();
-}
-
-TEST(Format, WritesWhatPrintfWrites) {
-  std::mt19937_64 random(1);
-  const auto pick = [&](U64 below) { return random() % below; };
-  for (int i = 0; i < 20'000; ++i) {
-    // One conversion between literals, with random flags, width, precision, size and value.
-    std::string format = std::string("<%%") + (pick(2) != 0 ? "-" : "") + "x%";
-    std::string ours;
-    if (pick(2) != 0) format += '-';
-    const int width = static_cast<int>(pick(30));
-    const bool widthIsArg = pick(3) == 0;
-    format += widthIsArg ? "*" : pick(4) == 0 ? "" : std::to_string(width);
-    std::vector<Arg> args;
-    if (widthIsArg) args.emplace_back(static_cast<U32>(width));
-    std::string expected;
-    const auto expect = [&](auto value) {
-      expected = widthIsArg ? line(format.c_str(), width, value) : line(format.c_str(), value);
-    };
-    const std::string value(pick(40), static_cast<char>('a' + pick(26)));
-    const U64 number = random() >> pick(64);
-    switch (pick(4)) {
-      case 0:
-        if (pick(2) != 0) format += '.' + std::to_string(pick(30));
-        format += "s>";
-        args.emplace_back(value);
-        expect(value.c_str());
-        break;
-      case 1:
-        format += "llu>";
-        args.emplace_back(number);
-        expect(static_cast<unsigned long long>(number));
-        break;
-      case 2:
-        format += "hu>";
-        args.emplace_back(static_cast<U16>(number));
-        expect(static_cast<unsigned short>(number));
-        break;
-      default:
-        format += "d>";
-        args.emplace_back(static_cast<int>(number));
-        expect(static_cast<int>(number));
-    }
-    int size = 0;
-    EXPECT_EQ(printed(text, [&](auto& printer) { size = printer.addFrills(tabula::Format(format), args); }),
-              expected)
-        << format;
-    EXPECT_EQ(size, static_cast<int>(expected.size()));
-  }
 }
 
 TEST(Format, LiteralFormatsAreTheSameEngine) {

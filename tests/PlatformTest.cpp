@@ -182,7 +182,7 @@ TEST(Nexo, NamesAndKinds) {
   EXPECT_NE(Nexo::IntfId("a"), Nexo::IntfId());
 }
 
-TEST(Nexo, ThreadsAgreeOnIds) {
+TEST(Threads, AgreeOnInterfaceIds) {
   std::vector<std::vector<Nexo::IntfId>> made(4);
   std::vector<std::thread> threads;
   for (auto& ids : made) {

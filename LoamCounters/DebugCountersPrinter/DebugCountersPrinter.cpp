@@ -17,6 +17,7 @@ bool DebugCountersPrinter::printDebugCounter(U32 fd, U32 fmt, const Descriptor& 
                                              U32 instance, const Mote::String& extraDescription) const {
   Wisp::trace("printDebugCounter");
   const Wisp::BlockTimer timer("printDebugCounter");
+  if (descriptor == nullptr || shmemMgr == nullptr) return printSectionName;  // nothing to show
   return answer(fd, fmt, [&](tabula::Printer& printer) {
     return printCounter(printer, descriptor, snapshot, shmemMgr, drops, printSectionName, blockName, instance,
                         extraDescription);

@@ -1,0 +1,61 @@
+// A state file: refused with a message that names it, or a switch of which every command can be asked.
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "fuzz/Fuzz.h"
+#include "loamshow/CommandLine.h"
+#include "loamshow/JsonDocument.h"
+#include "loamshow/ShowCommands.h"
+#include "loamshow/StateFile.h"
+
+namespace {
+
+constexpr off_t mostOutput = 1 << 20;
+
+/// A file that no answer can outgrow: a counter may have 2^32 instances.
+int limitedFile() {
+  const int fd = ::memfd_create("fuzz", MFD_ALLOW_SEALING);
+  loamfuzz::require(::ftruncate(fd, mostOutput) == 0 && ::fcntl(fd, F_ADD_SEALS, F_SEAL_GROW) == 0);
+  return fd;
+}
+
+void ask(const loamshow::SwitchState& state, const std::string& name, U32 format, int fd) {
+  loamshow::CommandLine line;
+  line.command = name;
+  line.format = format;
+  line.internal = true;
+  line.perPort = true;
+  ::lseek(fd, 0, SEEK_SET);
+  try {
+    loamshow::runShowCommand(line, state, static_cast<U32>(fd));
+  } catch (const std::exception& error) {
+    loamfuzz::require(*error.what() != '\0');
+    return;
+  }
+  if (format != 2) return;
+  std::string answer(static_cast<std::size_t>(::lseek(fd, 0, SEEK_CUR)), '\0');
+  loamfuzz::require(::pread(fd, answer.data(), answer.size(), 0) == static_cast<ssize_t>(answer.size()));
+  loamfuzz::require(answer.empty() || nlohmann::json::accept(answer));
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const int fd = limitedFile();
+  try {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const loamshow::SwitchState state = loamshow::parseState("state", text);
+    loamshow::mountProcessWide(state);
+    for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu"}) {
+      for (const U32 format : {1U, 2U}) ask(state, name, format, fd);
+    }
+    ask(state, "debug", 1, fd);
+  } catch (const loamshow::InputError& error) {
+    loamfuzz::require(std::string_view(error.what()).starts_with("state: "));
+  }
+  return 0;
+}

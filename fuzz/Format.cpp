@@ -1,64 +1,51 @@
-// The format engine against the C library's: one conversion between literals, with any flag, width,
-// precision, size and value.
+// The format engine against the C library's: formats of every shape, with any width and value.
 
 #include <cstdio>
-#include <vector>
+#include <tuple>
 
 #include "fuzz/Collector.h"
 #include "fuzz/Fuzz.h"
 
 namespace {
 
-template <class Value>
-std::string theirs(const std::string& format, bool widthIsArg, int width, Value value) {
-  char text[256];
-  const int size = widthIsArg ? std::snprintf(text, sizeof text, format.c_str(), width, value)
-                              : std::snprintf(text, sizeof text, format.c_str(), value);
-  return {text, static_cast<std::size_t>(size)};
+/// `raw` is the value, and its width, as the C library takes them.
+template <tabula::FixedString format, class... Raw, class... Value>
+void compare(const std::tuple<Raw...>& raw, const Value&... values) {
+  char theirs[512];
+  const int size = std::apply(
+      [&](const Raw&... each) { return std::snprintf(theirs, sizeof theirs, format.text.data(), each...); },
+      raw);
+  loamfuzz::Collector ours(tabula::formatText);
+  const int written = ours.addFrills<format>(values...);
+  ours.ioflush();
+  loamfuzz::require(written == size && ours.text == std::string_view(theirs, static_cast<std::size_t>(size)));
+}
+
+template <tabula::FixedString... format, class Raw, class Value>
+void compareAll(Raw raw, const Value& value) {
+  (compare<format>(std::tuple(raw), value), ...);
+}
+
+template <tabula::FixedString... format, class Raw, class Value>
+void compareWide(U32 width, Raw raw, const Value& value) {
+  (compare<format>(std::tuple(static_cast<int>(width), raw), width, value), ...);
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   loamfuzz::Input input(data, size);
-  std::string format = "<%%";
-  for (const char c : input.text(20)) format += c == '%' || c == '\0' ? 'x' : c;
-  format += input.flag() ? "%-" : "%";
-  const int width = static_cast<int>(input.number(100));
-  const bool widthIsArg = input.flag();
-  std::vector<tabula::Arg> args;
-  if (widthIsArg) args.emplace_back(static_cast<U32>(width));
-  format += widthIsArg ? "*" : width == 0 ? "" : std::to_string(width);
-  const U64 kind = input.number(5);
-  if (kind == 0 && input.flag()) format += '.' + std::to_string(input.number(30));
-  constexpr const char* conversions[] = {"s>", "llu>", "hu>", "d>", "u>"};
-  format += conversions[kind];
+  const U32 width = static_cast<U32>(input.number(100));
   const U64 number = input.number(~U64{0}) >> input.number(64);
   const std::string text(input.text(100).c_str());
-  std::string expected;
-  const auto give = [&](auto value, auto raw) {
-    args.emplace_back(value);
-    expected = theirs(format, widthIsArg, width, raw);
-  };
-  switch (kind) {
-    case 0:
-      give(std::string_view(text), text.c_str());
-      break;
-    case 1:
-      give(number, static_cast<unsigned long long>(number));
-      break;
-    case 2:
-      give(static_cast<U16>(number), static_cast<unsigned short>(number));
-      break;
-    case 3:
-      give(static_cast<int>(number), static_cast<int>(number));
-      break;
-    default:
-      give(static_cast<U32>(number), static_cast<unsigned>(number));
-  }
-  loamfuzz::Collector ours(tabula::formatText);
-  const int written = ours.addFrills(tabula::Format(format), args);
-  ours.ioflush();
-  loamfuzz::require(ours.text == expected && written == static_cast<int>(expected.size()));
+  const char* const raw = text.c_str();
+  compareAll<"%s", "<%%%-20s>", "%19s\n", "%-50s : ", "%.3s", "%-19.19s|", "%12.30s", "%-.19s\n">(raw, text);
+  compareWide<"%*s", "%-*s |", "100%% %*.5s">(width, raw, text);
+  const auto whole = static_cast<unsigned long long>(number);
+  compareAll<"%llu", "%7llu ", "%15llu", "%16llu", "%18llu\n", "%-17llu|", "%40llu">(whole, number);
+  compareWide<"%*llu", "%-*llu.">(width, whole, number);
+  compareAll<"%u", "%9u", "%-9u|", "%20u">(static_cast<unsigned>(number), static_cast<U32>(number));
+  compareAll<"%hu", "%4hu", "%-6hu|">(static_cast<unsigned short>(number), static_cast<U16>(number));
+  compareAll<"[%d]", "%12d", "%-12d|", "%20d">(static_cast<int>(number), static_cast<int>(number));
   return 0;
 }

@@ -95,7 +95,7 @@ void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd) {
   const auto* command =
       std::find_if(std::begin(queueCommands), std::end(queueCommands),
                    [&](const QueueCommand& candidate) { return candidate.name == line.command; });
-  if (command == std::end(queueCommands)) throw InputError("no such command " + line.command);
+  VANE_ASSERT(command != std::end(queueCommands));
   std::vector<Value> arguments = {fd, line.format};
   for (Value& argument : command->arguments(line, state)) arguments.push_back(std::move(argument));
   countersPrinter(state).call(command->operation, arguments);

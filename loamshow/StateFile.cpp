@@ -70,10 +70,11 @@ void readOnly(JsonValue object, std::string_view memberName, Read read) {
 
 void readInterfaces(JsonValue array, std::vector<IntfId>& interfaces) {
   Vane::HashMap<IntfId, bool> seen;
-  readSet(array, seen, intf);
   for (const JsonValue element : array.elements()) {
     interfaces.push_back(intf(element));
     if (interfaces.back() == IntfId()) element.fail("expected an interface name");
+    if (seen.contains(interfaces.back())) element.fail("repeated entry");
+    seen.set(interfaces.back(), true);
   }
 }
 
@@ -98,7 +99,9 @@ SwitchState parseState(const std::string& name, std::string_view text) {
                [&](JsonValue ports) { readSet(ports, state.tmMapping->portTmMap, id<SystemPhyPortId>); });
     } else if (in.is("internalLagStatus")) {
       readOnly(value, "lagIngressVoqCounterTable", [&](JsonValue intfs) {
-        readSet(intfs, state.internalLagStatus->lagIngressVoqCounterTable, intf);
+        for (const JsonValue member : intfs.elements()) {
+          state.internalLagStatus->lagIngressVoqCounterTable.set(intf(member), true);
+        }
       });
     } else if (in.is("fabricMcastVoq")) {
       readFabricMcastVoq(value, state);

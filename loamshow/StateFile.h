@@ -33,9 +33,8 @@ struct SwitchState {
   Hardware::Loam::VoqId fabricMcastVoqMax{7};
 };
 
-/// Loads a state file; "-" is standard input. Sets what is a property of the whole process, too: the fabric
-/// multicast range. Raises InputError, which names the file and the member, for anything that is not as it
-/// should be.
+/// Loads a state file; "-" is standard input. Raises InputError, which names the file and the member, for
+/// anything that is not as it should be.
 SwitchState loadStateFile(const std::string& path);
 /// The same for a text; `name` stands for the file.
 SwitchState parseState(const std::string& name, std::string_view text);

@@ -133,11 +133,12 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
 }
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {
-  const auto sources = [](const char* operation, const std::function<void(Hardware::Loam::Status&)>& change) {
+  const auto sources = [](const char* operation, const std::function<void(Hardware::Loam::Status&)>& change,
+                          int atRead = 2) {
     const Fixture fixture;
     int reads = 0;
     fixture.tables->atRead = [&] {
-      if (++reads == 2) change(*fixture.state.status);
+      if (++reads == atRead) change(*fixture.state.status);
     };
     const auto intfs = intfListFactory();
     intfs->intfEnq(Nexo::IntfId("Ethernet3"));
@@ -169,6 +170,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
   EXPECT_THAT(sources("mtu", [](Status& status) { status.fapIdToName.remove(FapId(7)); }),
               testing::ElementsAre("A", "B"))
       << "the second read is already that of B";
+  EXPECT_THAT(sources("mtu", replace, 1), testing::ElementsAre("A", "Above", "B"));
   // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
   EXPECT_THAT(sources("drops", replace), testing::ElementsAre("Below", "Above", "B"));
 }
@@ -176,27 +178,38 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
 TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
   const Fixture fixture;
   const auto printer = fixture.printer();
+  const IntfList::PtrConst intfs = fixture.intfs;
   const auto users = [&] {
     return std::vector{fixture.state.status->users(), printer->fapCounterAccessor()->users(),
-                       printer->users(), fixture.intfs->users()};
+                       printer->users(), intfs->users()};
   };
   const auto usersBefore = users();
-  const auto tryAll = [&](const std::string& operation, const std::string& raised) {
+  const auto tryAll = [&](const std::string& operation, std::size_t flushes, std::array<int, 2> rest,
+                          const std::string& raised = "") {
     for (const U32 fmt : {1U, 2U}) {
-      const auto command = [&](U32 fd) { call(printer, operation, fd, fmt, fixture.intfs); };
-      expectEveryFaultHandled(operation + " " + std::to_string(fmt), command, raised);
+      expectEveryFaultHandled({operation + " " + std::to_string(fmt), flushes + rest[fmt - 1],
+                               [&](U32 fd) { call(printer, operation, fd, fmt, intfs); }, raised,
+                               [&] { EXPECT_EQ(users(), usersBefore) << "released before it is said"; }});
       // And between two writes.
       fixture.tables->atRead = [] { tabula::interrupt(); };
       testing::internal::CaptureStdout();
-      called(printer, operation, fmt, fixture.intfs);
+      called(printer, operation, fmt, intfs);
       EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n") << operation;
       fixture.tables->atRead = [] {};
     }
   };
   fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("C"));
-  for (const std::string operation : operations) tryAll(operation, "");
+  // A flush per interface and fabric multicast VOQ, egress row, CoPP class, traffic class with drops, ACL
+  // interface, FAP; then what is left: in text an empty line or nothing, in JSON the end of the model.
+  constexpr std::size_t egressRows = 16 + 16 + 24 + 24;  // with LAG rows where there is no FAP
+  tryAll("queues", 4 + 8 + egressRows, {1, 1});
+  tryAll("ingress", std::size_t{3} * (3 + 8), {1, 1});
+  tryAll("cpu", 1 + 2, {0, 1});
+  tryAll("drops", 8 + 4 + 8, {1, 1});
+  tryAll("acl", 5, {0, 1});
+  tryAll("mtu", 2, {0, 1});
   fixture.state.status->fapNumCores.set(FapId(3), 9);
-  tryAll("ingress",
+  tryAll("ingress", std::size_t{7} * (3 + 8), {1, 1},
          "Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
          "Hardware::Loam::LocalCoreId::null not allowed");
   EXPECT_EQ(users(), usersBefore);

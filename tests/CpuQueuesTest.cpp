@@ -28,7 +28,8 @@ Json cpuSwitch() {
                                                                      {"12", "Police2"},
                                                                      {"22", "Police1"},
                                                                      {"4", "CpuB"},
-                                                                     {"6", "CpuNowhere"}}) {
+                                                                     {"6", "CpuNowhere"},
+                                                                     {"7", "NotACpuPort"}}) {
     status["sppidToIntfId"][port] = name;
   }
   status["intfIdToSppid"]["CpuTm0"] = 2;
@@ -51,7 +52,7 @@ Json cpuSwitch() {
   for (const char* name : {"CpuTm0", "CpuNowhere"}) counters["egress"][name]["queues"] = {quad(10), quad(20)};
   for (const char* name : {"CpuB", "CpuNowhere"}) {
     const Json pair{{"ucast", quad(100)}, {"mcast", quad(200)}};
-    counters["egressTm"][name] = {{"queues", Json(8, pair)}, {"ambiguousTcs", {1}}};
+    counters["egressTm"][name] = {{"queues", Json(8, pair)}, {"ambiguousTcs", {0, 1}}};
   }
   return state;
 }
@@ -75,11 +76,11 @@ Json scaled(const Json& quad, U64 factor) {
   return scaled;
 }
 
-// CpuTm0 in port mode: the sum of its two queues. CpuB in queue mode: traffic class 5 shares the counter of
-// 1, so seven of eight count. CpuNowhere has no FAP: both.
+// CpuTm0 in port mode: the sum of its two queues. CpuB in queue mode: traffic classes 4 and 5 share the
+// counters of 0 and 1, so six of eight count. CpuNowhere has no FAP: both.
 const Json tm0 = plus(quad(10), quad(20));
-const Json cpuBUnicast = scaled(quad(100), 7);
-const Json cpuBMulticast = scaled(quad(200), 7);
+const Json cpuBUnicast = scaled(quad(100), 6);
+const Json cpuBMulticast = scaled(quad(200), 6);
 
 std::string egressSection() {
   std::string text =

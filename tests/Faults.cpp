@@ -43,6 +43,7 @@ struct Run {
   std::size_t faultAt = 0;  // counted from 1
   std::vector<std::size_t> sizes;
   std::string said;  // on standard output
+  const Command* command = nullptr;
 };
 Run* running = nullptr;
 
@@ -52,12 +53,12 @@ struct Outcome {
   std::string raised;
 };
 
-Outcome outcome(const std::function<void(U32 fd)>& command, const Fault* fault, std::size_t faultAt) {
+Outcome outcome(const Command& command, const Fault* fault, std::size_t faultAt) {
   const MemoryFile file;
-  Outcome outcome{{file.fd(), fault, faultAt, {}, {}}, {}, {}};
+  Outcome outcome{{file.fd(), fault, faultAt, {}, {}, &command}, {}, {}};
   running = &outcome.run;
   try {
-    command(file.fdNumber());
+    command.run(file.fdNumber());
   } catch (const std::exception& error) {
     outcome.raised = error.what();
   }
@@ -68,17 +69,16 @@ Outcome outcome(const std::function<void(U32 fd)>& command, const Fault* fault, 
 
 }  // namespace
 
-void expectEveryFaultHandled(const std::string& name, const std::function<void(U32 fd)>& command,
-                             const std::string& raised) {
+void expectEveryFaultHandled(const Command& command) {
   const Outcome whole = outcome(command, nullptr, 0);
-  EXPECT_EQ(whole.raised, raised) << name;
-  EXPECT_FALSE(whole.written.empty()) << name;
+  EXPECT_EQ(whole.raised, command.raised) << command.name;
+  EXPECT_EQ(whole.run.sizes.size(), command.writes) << command.name;
   std::size_t before = 0;
   for (std::size_t at = 1; at <= whole.run.sizes.size(); ++at) {
     const std::size_t size = whole.run.sizes[at - 1];
     for (const Fault& fault : faults) {
-      SCOPED_TRACE(name + ", write " + std::to_string(at) + ": " + fault.name);
-      const bool whileRaising = !raised.empty() && at == whole.run.sizes.size();
+      SCOPED_TRACE(command.name + ", write " + std::to_string(at) + ": " + fault.name);
+      const bool whileRaising = !command.raised.empty() && at == whole.run.sizes.size();
       if (whileRaising && fault.interrupts) continue;
       const Outcome got = outcome(command, &fault, at);
       const std::size_t taken = before + (fault.error == 0 ? std::min(fault.most, size) : 0);
@@ -89,7 +89,7 @@ void expectEveryFaultHandled(const std::string& name, const std::function<void(U
       EXPECT_EQ(got.run.said, fault.interrupts ? "exiting interrupted by user\n" : "");
       const bool fails = fault.isFinal && !fault.interrupts && !whileRaising;
       const std::string failure = "cannot write the answer: " + std::generic_category().message(fault.error);
-      EXPECT_EQ(got.raised, fails ? failure : fault.interrupts ? "" : raised);
+      EXPECT_EQ(got.raised, fails ? failure : fault.interrupts ? "" : command.raised);
       EXPECT_FALSE(tabula::interruptPending());
     }
     before += size;
@@ -103,6 +103,7 @@ extern "C" ssize_t write(int fd, const void* data, size_t size) {
   loamtest::Run* const run = loamtest::running;
   if (run != nullptr && fd == STDOUT_FILENO) {
     run->said.append(static_cast<const char*>(data), size);
+    run->command->whenSaid();
     return static_cast<ssize_t>(size);
   }
   if (run != nullptr && fd == run->fd) {

@@ -116,6 +116,7 @@ TEST(Printer, RefusesBrokenNesting) {
     printer.startDict("d");
     printer.end();
   });
+  dies("everyScopeClosed", [](auto& printer) { printer.start(); });
   dies("startedOnce", [](auto& printer) {
     printer.start();
     printer.end();

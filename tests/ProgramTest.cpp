@@ -178,14 +178,17 @@ TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {
     Json state = smallSwitch();
     state["status"]["fapNumCores"] = {{"7", cores}};
     const MemoryFile file(state.dump());
-    return run({"-s", file.path(), command, "Et3"});
+    std::vector<std::string> words = {"-s", file.path(), command};
+    if (command != std::string("cpu")) words.emplace_back("Et3");
+    return run(words);
   };
   const std::string error =
       "loamshow: Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
       "Hardware::Loam::LocalCoreId::null not allowed\n";
   EXPECT_EQ(ranOn(7, "ingress").status, 0);
+  EXPECT_EQ(ranOn(7, "cpu").status, 0);
   EXPECT_EQ(ranOn(6, "drops").status, 0);
-  for (const auto& [cores, command] : {std::pair{8, "ingress"}, std::pair{7, "drops"}}) {
+  for (const auto& [cores, command] : {std::pair{8, "ingress"}, std::pair{8, "cpu"}, std::pair{7, "drops"}}) {
     const Ran ran = ranOn(cores, command);
     EXPECT_EQ(ran.status, 1);
     EXPECT_EQ(ran.err, error);

@@ -113,6 +113,15 @@ TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInBothModes) {
             std::string::npos);
 }
 
+TEST(QueueDrops, ASubInterfaceHasNoEgressPart) {
+  Json state = smallSwitch();
+  state["status"]["portMap"]["65"]["fapId"] = 7;  // in queue mode
+  state["counters"]["egressTm"]["Ethernet1.5"] = state["counters"]["egressTm"]["Ethernet3"];
+  const std::string text = answer(state, {"drops", "et1.5"});
+  EXPECT_EQ(text.find("Egress"), std::string::npos);
+  EXPECT_EQ(text.find("TC1,5"), std::string::npos);
+}
+
 TEST(QueueDrops, LongLabelsShiftTheirRow) {
   Json state = smallSwitch();
   state["status"]["fapIdToName"] = {{"7", "Quarterdeck42"}};

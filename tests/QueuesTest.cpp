@@ -103,17 +103,22 @@ TEST(Queues, InternalAddsSpecialInterfacesInTheOrderOfTheirKinds) {
   state["fabricMcastVoq"] = {{"min", 20}, {"max", 23}};
   state["counters"]["ingress"].push_back(
       {{"fapId", 7}, {"intfId", "FabricMcast1"}, {"queues", {quad(500), quad(600)}}});
+  state["status"]["sppidToIntfId"]["332"] = "Port-Channel9";
+  state["status"]["sppidToIntfId"]["333"] = "X.5";
   const std::string text = answer(state, {"queues", "Ethernet1", "--internal"});
   const std::size_t middle = text.find("Egress Queue Counters");
   const std::string ingress = text.substr(0, middle);
   // OLP, ERP, L3 flood (recirculation types 1 to 4), routing (8), shared (10 to 17), PLR (9), fabric mesh
   // (port 11), sFlow by port, IPsec, Eventor by FAP. CPU recirculation is not enabled.
   EXPECT_THAT(rowNames(ingress), ElementsAre("Et1", "P302", "P301", "P303", "P305", "P308", "P312", "P314",
-                                             "P321", "P313", "P11", "P328", "P330", "P331", "P333", "P332",
+                                             "P321", "P313", "P11", "P328", "P330", "P331", "X.5", "Po9",
                                              "FabricMcast0", "FabricMcast1", "FabricMcast2", "FabricMcast3"));
   EXPECT_THAT(rowNames(text.substr(middle)),
               ElementsAre("Et1", "P302", "P301", "P305", "P308", "P312", "P314", "P321", "P313", "P326",
-                          "P328", "P330", "P331", "P333", "P332"));
+                          "P328", "P330", "P331", "X.5", "Po9"));
+  EXPECT_NE(ingress.find(ingressRows("X.5", tcs(), Quads(8, zeros()))), std::string::npos)
+      << "a special interface has the traffic classes of a port";
+  EXPECT_EQ(text.find("TC0,4"), std::string::npos) << "and none of a port channel";
   EXPECT_NE(ingress.find(ingressRows("FabricMcast1", {"TC2-3"}, {quad(500)})), std::string::npos);
   EXPECT_EQ(Json::parse(answer(
                 state, {"queues", "--internal", "-j"}))["ingressVoqCounters"]["interfaces"]["FabricMcast1"],

@@ -120,10 +120,25 @@ TEST(Registry, HoldsWhatCallersRelyOn) {
           "144 showInterfacesEgressMtuCounters void operation fd:U32 fmt:U32"));
 
   const Json& orderings = modules["LoamCounters/QueueCountersPrinter"]["types"];
-  EXPECT_EQ(orderings[0]["values"].size(), 11U);
+  const auto names = [](const Json& items) {
+    std::string joined;
+    for (const Json& item : items) joined += item["name"].get<std::string>() + " ";
+    return joined;
+  };
   EXPECT_EQ(orderings[0]["values"][5], Json({{"value", 5}, {"name", "ingressIntfPlr"}}));
-  EXPECT_EQ(orderings[1]["values"][7], Json({{"value", 7}, {"name", "egressIntfFabricMeshDrop"}}));
-  EXPECT_EQ(orderings[7]["constructor"].size(), 7U);
+  EXPECT_EQ(names(orderings[0]["values"]),
+            "ingressIntfOlp ingressIntfErp ingressIntfL3Flood ingressIntfRoutingRecirc "
+            "ingressIntfSharedRecirc ingressIntfPlr "
+            "ingressIntfCpuRecirc ingressIntfFabricMeshSwitch ingressIntfSflowAccel ingressIntfIpsec "
+            "ingressIntfEventor ");
+  EXPECT_EQ(
+      names(orderings[1]["values"]),
+      "egressIntfOlp egressIntfErp egressIntfL3Flood egressIntfRoutingRecirc egressIntfSharedRecirc "
+      "egressIntfPlr "
+      "egressIntfCpuRecirc egressIntfFabricMeshDrop egressIntfSflowAccel egressIntfIpsec egressIntfEventor ");
+  EXPECT_EQ(names(orderings[7]["constructor"]),
+            "loamStatus tmMapping internalLagStatus trafficClassMapping counterEngineStatus entityManager "
+            "skeinMountMode ");
   EXPECT_EQ(orderings[5]["constructor"], Json({{{"name", "intfId"}, {"type", "Nexo::IntfId"}}}));
   EXPECT_EQ(orderings[3].contains("constructor"), false);
 }
@@ -180,22 +195,39 @@ TEST(Registry, AccessorsAreTheSameForTheSameArguments) {
   const Accessor held = result.as<Accessor>();
   ASSERT_NE(held, nullptr);
   request(*printer, "egressAclCountersAccessor", OpCode::read, {}, result);
-  EXPECT_FALSE(result.as<EgressAclCountersAccessor::Ptr>()->sources().isMountModeWriter);
+  const auto heldAcl = result.as<Mote::Ptr<const Mote::Node>>();
 
-  std::vector<Value> sources = {arguments[0], arguments[1], arguments[2], arguments[3], arguments[5], false};
-  const auto instantiate = [&] {
-    request(*printer, "fapCounterAccessor", OpCode::write, sources, result);
-    return result.as<Accessor>();
+  // Each argument replaced by another one of its type makes another accessor.
+  const std::vector<Value> others = {Mote::make<Hardware::Loam::Status>(),
+                                     Mote::make<LoamTm::TmMapping>(),
+                                     Mote::make<Hardware::Loam::InternalLagClientStatus>(),
+                                     Mote::make<TrafficClassMapping>(),
+                                     Mote::make<Hardware::Loam::CounterEngineStatus>(),
+                                     Mote::make<Cortex::EntityManager>(),
+                                     true};
+  const auto expectIdentity = [&](const char* attribute, Mote::Ptr<const Mote::Node> last,
+                                  std::initializer_list<std::size_t> taken) {
+    std::vector<Value> sources;
+    for (const std::size_t i : taken) sources.push_back(arguments[i]);
+    const auto instantiate = [&] {
+      request(*printer, attribute, OpCode::write, sources, result);
+      return result.as<Mote::Ptr<const Mote::Node>>();
+    };
+    EXPECT_EQ(instantiate(), last) << attribute;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+      sources[i] = others[taken.begin()[i]];
+      const auto other = instantiate();
+      EXPECT_NE(other, last) << attribute << " argument " << i;
+      EXPECT_EQ(instantiate(), other);
+      last = other;
+    }
   };
-  EXPECT_EQ(instantiate(), held);
-  sources[0] = Hardware::Loam::Status::PtrConst(Mote::make<Hardware::Loam::Status>());
-  const Accessor other = instantiate();
-  EXPECT_NE(other, held);
-  sources[5] = true;
-  const Accessor third = instantiate();
-  EXPECT_NE(third, other);
+  expectIdentity("fapCounterAccessor", held, {0, 1, 2, 3, 5, 6});
+  expectIdentity("egressAclCountersAccessor", heldAcl, {0, 4, 5, 6});
+  request(*printer, "fapCounterAccessor", OpCode::read, {}, result);
+  const Accessor last = result.as<Accessor>();
   request(*printer, "fapCounterAccessor", OpCode::del, {}, result);
-  EXPECT_EQ(result.as<Accessor>(), third);
+  EXPECT_EQ(result.as<Accessor>(), last);
   request(*printer, "fapCounterAccessor", OpCode::read, {}, result);
   EXPECT_EQ(result.as<Accessor>(), nullptr);
   request(*printer, "skeinMountMode", OpCode::read, {}, result);
@@ -229,6 +261,9 @@ TEST(Registry, MistypedArgumentsAreExceptions) {
             "expected LoamCounters::IntfList::Ptr, got LoamCounters::IntfList::PtrConst");
   EXPECT_THROW(request(*lists, "specialIngressIntfList", OpCode::read, {U8{11}}, result),
                Vane::RangeException);
+  EXPECT_EQ(raised(*lists, "specialIngressIntfList", OpCode::read, {SpecialEgressIntfOrdering{}}),
+            "specialIngressIntfList: argument 1: expected LoamCounters::SpecialIngressIntfOrdering, got "
+            "LoamCounters::SpecialEgressIntfOrdering");
   EXPECT_THROW(make("LoamCounters::TcContainer", {U32{1}}), Vane::InternalException);
 }
 
@@ -241,16 +276,13 @@ TEST(Registry, CursorsWalkEveryCollection) {
   for (const U64 port : {300, 12, 300, 40}) {
     request(*ports, "systemPhyPortId", OpCode::write, {Port(port)}, result, true);
   }
-  for (const char* name : {"b", "a", "b"}) {
+  for (const char* name : {"b", "a", "c"}) {
     request(*containers, "tcPerIntf", OpCode::write, {Nexo::IntfId(name)}, result);
     EXPECT_EQ(result.as<TcContainer::Ptr>()->intfId(), Nexo::IntfId(name));
     request(*list, "intf", OpCode::enqueue, {}, result, Nexo::IntfId(name));
   }
-  const auto cursor = [](Mote::Node& object, std::size_t attribute) {
-    return object.typeData()->type().attributes[attribute].cursor(object);
-  };
   std::vector<U64> keys;
-  for (const auto at = cursor(*ports, 0); at->valid(); at->advance()) {
+  for (const auto at = Vane::genericIfCursor(*ports, 130); at->valid(); at->advance()) {
     keys.push_back(at->key().as<Port>().value());
     EXPECT_TRUE(at->item().as<bool>());
     if (keys.back() == 40) at->del();
@@ -260,15 +292,25 @@ TEST(Registry, CursorsWalkEveryCollection) {
   EXPECT_EQ(result.as<U32>(), 2U);
 
   std::set<std::string> names;
-  for (const auto at = cursor(*containers, 0); at->valid(); at->advance()) {
+  for (const auto at = Vane::genericIfCursor(*containers, 130); at->valid(); at->advance()) {
     names.insert(at->key().as<Nexo::IntfId>().stringValue().c_str());
     at->del();
   }
-  EXPECT_THAT(names, ElementsAre("a", "b"));
+  EXPECT_THAT(names, ElementsAre("a", "b", "c"));
+  const auto answered = [&](OpCode op) {
+    request(*list, "intf", op, {}, result);
+    return result.as<Nexo::IntfId>();
+  };
+  EXPECT_EQ(answered(OpCode::front), Nexo::IntfId("b"));
+  EXPECT_EQ(answered(OpCode::back), Nexo::IntfId("c"));
   std::string queued;
-  const auto at = cursor(*list, 0);
-  for (; at->valid(); at->advance()) queued += at->item().as<Nexo::IntfId>().stringValue();
-  EXPECT_EQ(queued, "bab");
+  const auto at = Vane::genericIfCursor(*list, 131);
+  for (; at->valid(); at->advance()) {
+    queued += at->item().as<Nexo::IntfId>().stringValue();
+    request(*list, "intf", OpCode::dequeue, {}, result);
+  }
+  EXPECT_EQ(queued, "bac") << "what was queued when the walk began";
+  EXPECT_EQ(Vane::genericIfCursor(*list, 130), nullptr);
   EXPECT_THROW(at->del(), Vane::InternalException);
 }
 

@@ -1,24 +1,11 @@
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 
-#include <utility>
-
 #include "LoamCounters/Answer.h"
 #include "LoamCounters/QueueCountersPrinter/Commands.h"
 #include "LoamCounters/QueueCountersPrinter/IntfSelection.h"
 #include "platform/tabula.h"
 
 namespace LoamCounters {
-
-namespace {
-
-/// The accessor held, when it was made from these sources, else a new one in its place.
-template <class Accessor, class Sources>
-Mote::Ptr<Accessor> instantiated(Mote::Ptr<Accessor>& held, Sources sources) {
-  if (held == nullptr || !(held->sources() == sources)) held = Mote::make<Accessor>(std::move(sources));
-  return held;
-}
-
-}  // namespace
 
 CountersPrinter::CountersPrinter(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
                                  const LagStatusPtr& internalLagStatus,
@@ -59,24 +46,22 @@ CountersPrinter::Ptr countersPrinterFactory(const CountersPrinter::StatusPtr& lo
 CounterEngineAccessor::Ptr CountersPrinter::fapCounterAccessorIs(
     const StatusPtr& loamStatus, const TmMappingPtr& tmMapping, const LagStatusPtr& internalLagStatus,
     const TcMappingPtr& trafficClassMapping, const EntityManagerPtr& entityManager, bool skeinMountMode) {
-  return instantiated(fapCounterAccessor_,
-                      CounterEngineSources{loamStatus, tmMapping, internalLagStatus, trafficClassMapping,
-                                           entityManager, skeinMountMode});
+  return fapCounterAccessor_.is(loamStatus, tmMapping, internalLagStatus, trafficClassMapping, entityManager,
+                                skeinMountMode);
 }
 
 CounterEngineAccessor::Ptr CountersPrinter::fapCounterAccessorDel() {
-  return std::exchange(fapCounterAccessor_, nullptr);
+  return fapCounterAccessor_.del();
 }
 
 EgressAclCountersAccessor::Ptr CountersPrinter::egressAclCountersAccessorIs(
     const StatusPtr& loamStatus, const EngineStatusPtr& counterEngineStatus,
     const EntityManagerPtr& entityManager, bool isMountModeWriter) {
-  return instantiated(egressAclCountersAccessor_,
-                      EgressAclSources{loamStatus, counterEngineStatus, entityManager, isMountModeWriter});
+  return egressAclCountersAccessor_.is(loamStatus, counterEngineStatus, entityManager, isMountModeWriter);
 }
 
 EgressAclCountersAccessor::Ptr CountersPrinter::egressAclCountersAccessorDel() {
-  return std::exchange(egressAclCountersAccessor_, nullptr);
+  return egressAclCountersAccessor_.del();
 }
 
 AllIntfList::Ptr CountersPrinter::voqIntfs(const IntfList::PtrConst& intfList, bool voqPortsOnly) const {
@@ -86,11 +71,13 @@ AllIntfList::Ptr CountersPrinter::voqIntfs(const IntfList::PtrConst& intfList, b
 }
 
 // Every operation holds counted handles of its own to what it reads, so that an accessor replaced during the
-// call stays until the call ends.
+// call stays until its work ends, and is released before an interrupt is spoken of.
 
 void CountersPrinter::showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList,
                                                   bool internal, bool /*detail*/) const {
-  tabula::endingOnInterrupt([&, status = loamStatus_, accessor = fapCounterAccessor()] {
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = fapCounterAccessor();
     const AllIntfList::Ptr lists = voqIntfs(intfList, false);
     if (internal) {
       appendSpecialIngressInterfaceNames(lists, status);
@@ -104,7 +91,9 @@ void CountersPrinter::showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfLis
 
 void CountersPrinter::showInterfacesQueueIngressCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList,
                                                          bool internal, bool /*detail*/) const {
-  tabula::endingOnInterrupt([&, status = loamStatus_, accessor = fapCounterAccessor()] {
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = fapCounterAccessor();
     const AllIntfList::Ptr lists = voqIntfs(intfList, true);
     if (internal) appendSpecialIngressInterfaceNames(lists, status);
     answer(fd, fmt, [&](tabula::Printer& printer) {
@@ -115,7 +104,9 @@ void CountersPrinter::showInterfacesQueueIngressCounters(U32 fd, U32 fmt, const 
 
 void CountersPrinter::showCpuQueueCounters(U32 fd, U32 fmt, bool summary,
                                            bool perInputPortCoppVoqsSupported) const {
-  tabula::endingOnInterrupt([&, status = loamStatus_, accessor = fapCounterAccessor()] {
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = fapCounterAccessor();
     answer(fd, fmt, [&](tabula::Printer& printer) {
       printShowCpuQueueCounters(printer, fmt, accessor, status, summary, perInputPortCoppVoqsSupported);
     });
@@ -124,7 +115,9 @@ void CountersPrinter::showCpuQueueCounters(U32 fd, U32 fmt, bool summary,
 
 void CountersPrinter::showInterfacesQueueDropsCounters(U32 fd, U32 fmt,
                                                        const IntfList::PtrConst& intfList) const {
-  tabula::endingOnInterrupt([&, status = loamStatus_, accessor = fapCounterAccessor()] {
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = fapCounterAccessor();
     const AllIntfList::Ptr lists = voqIntfs(intfList, true);
     answer(fd, fmt, [&](tabula::Printer& printer) {
       printShowInterfacesQueueDropsCounters(printer, fmt, accessor, lists, status);
@@ -134,7 +127,9 @@ void CountersPrinter::showInterfacesQueueDropsCounters(U32 fd, U32 fmt,
 
 void CountersPrinter::showInterfacesEgressAclDropCounters(U32 fd, U32 fmt,
                                                           const IntfList::PtrConst& intfList) {
-  tabula::endingOnInterrupt([&, status = loamStatus_, accessor = egressAclCountersAccessor()] {
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = egressAclCountersAccessor();
     answer(fd, fmt, [&](tabula::Printer& printer) {
       printShowInterfacesEgressAclDropCounters(printer, fmt, intfList, accessor, status);
     });
@@ -142,12 +137,14 @@ void CountersPrinter::showInterfacesEgressAclDropCounters(U32 fd, U32 fmt,
 }
 
 void CountersPrinter::showInterfacesEgressMtuCounters(U32 fd, U32 fmt) {
-  tabula::endingOnInterrupt(
-      [&, status = loamStatus_, accessor = fapCounterAccessor(), aclAccessor = egressAclCountersAccessor()] {
-        answer(fd, fmt, [&](tabula::Printer& printer) {
-          printShowInterfacesEgressMtuCounters(printer, fmt, accessor, aclAccessor, status);
-        });
-      });
+  tabula::endingOnInterrupt([&] {
+    const auto status = loamStatus_;
+    const auto accessor = fapCounterAccessor();
+    const auto aclAccessor = egressAclCountersAccessor();
+    answer(fd, fmt, [&](tabula::Printer& printer) {
+      printShowInterfacesEgressMtuCounters(printer, fmt, accessor, aclAccessor, status);
+    });
+  });
 }
 
 }  // namespace LoamCounters

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "LoamCounters/QueueCountersPrinter/Instantiated.h"
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "platform/Cortex.h"
 #include "platform/CounterAgent.h"
@@ -48,7 +49,7 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
 
   /// The source of ingress, egress and MTU counters. `Is` answers the accessor held when it was made from the
   /// same arguments, else makes a new one; `Del` removes it and answers what was held.
-  CounterEngineAccessor::Ptr fapCounterAccessor() const { return fapCounterAccessor_; }
+  CounterEngineAccessor::Ptr fapCounterAccessor() const { return fapCounterAccessor_.held(); }
   CounterEngineAccessor::Ptr fapCounterAccessorIs(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
                                                   const LagStatusPtr& internalLagStatus,
                                                   const TcMappingPtr& trafficClassMapping,
@@ -56,7 +57,9 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
   CounterEngineAccessor::Ptr fapCounterAccessorDel();
 
   /// The source of egress ACL counters and egress MTU totals, likewise.
-  EgressAclCountersAccessor::Ptr egressAclCountersAccessor() const { return egressAclCountersAccessor_; }
+  EgressAclCountersAccessor::Ptr egressAclCountersAccessor() const {
+    return egressAclCountersAccessor_.held();
+  }
   EgressAclCountersAccessor::Ptr egressAclCountersAccessorIs(const StatusPtr& loamStatus,
                                                              const EngineStatusPtr& counterEngineStatus,
                                                              const EntityManagerPtr& entityManager,
@@ -84,8 +87,11 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
   const EngineStatusPtr counterEngineStatus_;
   const EntityManagerPtr entityManager_;
   const bool skeinMountMode_;
-  CounterEngineAccessor::Ptr fapCounterAccessor_;
-  EgressAclCountersAccessor::Ptr egressAclCountersAccessor_;
+  Instantiated<CounterEngineAccessor, StatusPtr, TmMappingPtr, LagStatusPtr, TcMappingPtr, EntityManagerPtr,
+               bool>
+      fapCounterAccessor_;
+  Instantiated<EgressAclCountersAccessor, StatusPtr, EngineStatusPtr, EntityManagerPtr, bool>
+      egressAclCountersAccessor_;
 };
 
 CountersPrinter::Ptr countersPrinterFactory(const CountersPrinter::StatusPtr& loamStatus,

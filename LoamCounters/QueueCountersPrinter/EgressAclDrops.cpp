@@ -34,6 +34,7 @@ void printShowInterfacesEgressAclDropCounters(tabula::Printer& printer, U32 fmt,
           }
           break;
         default:
+          printer.ioflush();
           Vane::fatal("false && \"Invalid data format\"");
       }
       printer.endDictEntry();

@@ -4,8 +4,8 @@ namespace LoamCounters {
 
 namespace {
 
-/// One column of a row; the last one ends the line.
-template <tabula::FixedString textFormat>
+/// One column of a row.
+template <tabula::FixedString textFormat, tabula::FixedString jsonFormat>
 void printCount(tabula::Printer& printer, U32 fmt, Keel::MaybeU63 count, tabula::Attr64Info& attr) {
   switch (fmt) {
     case tabula::formatText:
@@ -14,7 +14,7 @@ void printCount(tabula::Printer& printer, U32 fmt, Keel::MaybeU63 count, tabula:
     case tabula::formatJson:
       if (!count.null()) {
         attr.setValue(count.value());
-        printer.addArgs<"%19llu ">(attr.getArg());
+        printer.addArgs<jsonFormat>(attr.getArg());
       }
       break;
     default:
@@ -45,9 +45,9 @@ void printShowInterfacesEgressMtuCounters(tabula::Printer& printer, U32 fmt,
       VANE_ASSERT(mtuCounter.totalCounter().null());
       const Keel::MaybeU63 total = aclAccessor->egressMtuTotalCounter(fapId);
       printer.addFrills<"%-17s ">(fapAttr.getArg());
-      printCount<"%19s ">(printer, fmt, mtuCounter.enqueuedPackets(), enqueuedAttr);
-      printCount<"%19s ">(printer, fmt, mtuCounter.droppedPackets(), droppedAttr);
-      printCount<"%19s\n">(printer, fmt, total, totalAttr);
+      printCount<"%19s ", "%19llu ">(printer, fmt, mtuCounter.enqueuedPackets(), enqueuedAttr);
+      printCount<"%19s ", "%19llu ">(printer, fmt, mtuCounter.droppedPackets(), droppedAttr);
+      printCount<"%19s\n", "%19llu\n">(printer, fmt, total, totalAttr);
       printer.endDictEntry();
       printer.ioflush();
     }

@@ -93,7 +93,8 @@ IngressTable::IngressTable(tabula::Printer& printer, const CounterEngineAccessor
 }
 
 void IngressTable::print(FapId fap, LocalCoreId core, bool internal) {
-  for (const Nexo::IntfId intf : intfLists_.intfList()->intfs()) {
+  const IntfList::Ptr intfList = intfLists_.intfList();
+  for (const Nexo::IntfId intf : intfList->intfs()) {
     printInterface(fap, core, intf, Nexo::SubIntfId::isSubIntfId(intf) ? subIntfNames_ : portNames_);
   }
   if (!internal) return;

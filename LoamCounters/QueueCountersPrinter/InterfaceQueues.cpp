@@ -23,7 +23,8 @@ void printEgressQueues(tabula::Printer& printer, U32 fmt, const CounterEngineAcc
       printEgressCountersPerIntf(intf, printer, fmt, accessor, attrs, true, lagAmbiguousRows);
     }
   };
-  for (const Nexo::IntfId intf : intfLists.intfList()->intfs()) {
+  const IntfList::Ptr intfList = intfLists.intfList();
+  for (const Nexo::IntfId intf : intfList->intfs()) {
     if (!Nexo::SubIntfId::isSubIntfId(intf)) printIntf(intf, queueModeDefault);
   }
   for (const auto& [kind, intfs] : intfLists.specialEgressIntfLists()) {

@@ -152,7 +152,8 @@ void printShowInterfacesQueueDropsCounters(tabula::Printer& printer, U32 fmt,
   printer.startDict("interfaces");
   if (status != nullptr && accessor != nullptr && intfLists != nullptr && intfLists->intfList() != nullptr) {
     DropsTable table(printer, fmt, accessor, status, attrs);
-    for (const Nexo::IntfId intf : intfLists->intfList()->intfs()) table.printIntf(intf);
+    const IntfList::Ptr intfList = intfLists->intfList();
+    for (const Nexo::IntfId intf : intfList->intfs()) table.printIntf(intf);
   }
   printer.endDict();
   printer.end();

@@ -11,8 +11,12 @@ Mote::Ptr<const CounterTables> mountedTables(const Cortex::EntityManager::Ptr& e
 
 }  // namespace
 
-CounterEngineAccessor::CounterEngineAccessor(CounterEngineSources sources)
-    : sources_(std::move(sources)), tables_(mountedTables(sources_.entityManager)) {
+CounterEngineAccessor::CounterEngineAccessor(const Hardware::Loam::Status::PtrConst&,
+                                             const LoamTm::TmMapping::PtrConst&,
+                                             const Hardware::Loam::InternalLagClientStatus::PtrConst&,
+                                             const TrafficClassMapping::PtrConst&,
+                                             const Cortex::EntityManager::Ptr& entityManager, bool)
+    : tables_(mountedTables(entityManager)) {
 }
 
 IngressTcCounter CounterEngineAccessor::ingressTcCounter(FapId fap, LocalCoreId core,
@@ -40,8 +44,10 @@ EgressMtuCounter CounterEngineAccessor::egressMtuEnqDropCounter(FapId fap) const
   return tables_ == nullptr ? EgressMtuCounter() : tables_->egressMtuEnqDropCounter(fap);
 }
 
-EgressAclCountersAccessor::EgressAclCountersAccessor(EgressAclSources sources)
-    : sources_(std::move(sources)), tables_(mountedTables(sources_.entityManager)) {
+EgressAclCountersAccessor::EgressAclCountersAccessor(const Hardware::Loam::Status::PtrConst&,
+                                                     const Hardware::Loam::CounterEngineStatus::PtrConst&,
+                                                     const Cortex::EntityManager::Ptr& entityManager, bool)
+    : tables_(mountedTables(entityManager)) {
 }
 
 Keel::MaybeU63 EgressAclCountersAccessor::egressAclCounter(const EgressCounterKey& key) {

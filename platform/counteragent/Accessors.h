@@ -15,18 +15,6 @@ class TrafficClassMapping : public Mote::Node {
   static constexpr std::string_view vaneName = "LoamCounters::TrafficClassMapping";
 };
 
-/// What was handed to an accessor when it was made; equal when the objects are the same ones.
-struct CounterEngineSources {
-  Hardware::Loam::Status::PtrConst loamStatus;
-  LoamTm::TmMapping::PtrConst tmMapping;
-  Hardware::Loam::InternalLagClientStatus::PtrConst internalLagStatus;
-  TrafficClassMapping::PtrConst trafficClassMapping;
-  Cortex::EntityManager::Ptr entityManager;
-  bool skeinMountMode = false;
-
-  bool operator==(const CounterEngineSources&) const = default;
-};
-
 /// Reads the counters that the counter engine keeps. Takes the tables mounted when it is made.
 class CounterEngineAccessor : public Mote::Node {
  public:
@@ -34,8 +22,12 @@ class CounterEngineAccessor : public Mote::Node {
   using PtrConst = Mote::Ptr<const CounterEngineAccessor>;
   static constexpr std::string_view vaneName = "LoamCounters::CounterEngineAccessor";
 
-  explicit CounterEngineAccessor(CounterEngineSources sources);
-  const CounterEngineSources& sources() const noexcept { return sources_; }
+  /// This platform's tables answer everything; of the arguments, only `entityManager` is used.
+  CounterEngineAccessor(const Hardware::Loam::Status::PtrConst& loamStatus,
+                        const LoamTm::TmMapping::PtrConst& tmMapping,
+                        const Hardware::Loam::InternalLagClientStatus::PtrConst& internalLagStatus,
+                        const TrafficClassMapping::PtrConst& trafficClassMapping,
+                        const Cortex::EntityManager::Ptr& entityManager, bool skeinMountMode);
 
   IngressTcCounter ingressTcCounter(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
   IngressCounter ingressCounter(const IngressCounterKey& key) const;
@@ -46,17 +38,7 @@ class CounterEngineAccessor : public Mote::Node {
   EgressMtuCounter egressMtuEnqDropCounter(FapId fap) const;
 
  private:
-  CounterEngineSources sources_;
-  Mote::Ptr<const CounterTables> tables_;
-};
-
-struct EgressAclSources {
-  Hardware::Loam::Status::PtrConst loamStatus;
-  Hardware::Loam::CounterEngineStatus::PtrConst counterEngineStatus;
-  Cortex::EntityManager::Ptr entityManager;
-  bool isMountModeWriter = false;
-
-  bool operator==(const EgressAclSources&) const = default;
+  const Mote::Ptr<const CounterTables> tables_;
 };
 
 /// Reads the egress ACL counters and the egress MTU totals. Takes the tables mounted when it is made.
@@ -65,15 +47,16 @@ class EgressAclCountersAccessor : public Mote::Node {
   using Ptr = Mote::Ptr<EgressAclCountersAccessor>;
   static constexpr std::string_view vaneName = "LoamCounters::EgressAclCountersAccessor";
 
-  explicit EgressAclCountersAccessor(EgressAclSources sources);
-  const EgressAclSources& sources() const noexcept { return sources_; }
+  /// Likewise.
+  EgressAclCountersAccessor(const Hardware::Loam::Status::PtrConst& loamStatus,
+                            const Hardware::Loam::CounterEngineStatus::PtrConst& counterEngineStatus,
+                            const Cortex::EntityManager::Ptr& entityManager, bool isMountModeWriter);
 
   Keel::MaybeU63 egressAclCounter(const EgressCounterKey& key);
   Keel::MaybeU63 egressMtuTotalCounter(FapId fap);
 
  private:
-  EgressAclSources sources_;
-  Mote::Ptr<const CounterTables> tables_;
+  const Mote::Ptr<const CounterTables> tables_;
 };
 
 }  // namespace LoamCounters

@@ -202,7 +202,7 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   const std::size_t column = std::max(width, size);
   writeBlanks(at, width);
   char* digits = left ? at : at + column - size;
-  // The number goes where it stays, so what its last store writes past it is only what comes next.
+  // By way of a copy: the digits are stored more at a time than a narrow column may have room for.
   std::array<char, mostDigits + writeSlack> text;
   writeNumber(text.data(), number);
   if (negative) *digits++ = '-';
@@ -228,20 +228,5 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   copyShort(piece.left ? at : at + column - text.size(), text.data(), text.size());
   return at + column;
 }
-
-/// A format known only at run time, parsed.
-class Format {
- public:
-  explicit Format(Mote::String text) : text_(std::move(text)) {
-    for (std::size_t at = 0; at < text_.size();) pieces_.push_back(detail::takePiece(text_, at));
-  }
-
-  std::string_view text() const { return text_; }
-  const std::vector<Piece>& pieces() const { return pieces_; }
-
- private:
-  Mote::String text_;
-  std::vector<Piece> pieces_;
-};
 
 }  // namespace tabula

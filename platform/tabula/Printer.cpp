@@ -9,11 +9,12 @@
 
 namespace tabula {
 
-Printer::Printer(int fd, U32 format, bool, bool, bool, U32) : Renderer(format), fd_(fd) {
+Printer::Printer(int fd, U32 format, bool, bool, bool, U32)
+    : Renderer(format), fd_(fd), exceptions_(std::uncaught_exceptions()) {
 }
 
 Printer::~Printer() {
-  const bool endsEarly = std::uncaught_exceptions() > 0;
+  const bool endsEarly = std::uncaught_exceptions() > exceptions_;
   try {
     flushBuffer();
   } catch (const std::exception& failure) {
@@ -22,6 +23,7 @@ Printer::~Printer() {
 }
 
 void Printer::close() {
+  checkClosed();
   ioflush();
   checkInterrupt();
 }

@@ -27,6 +27,7 @@ class Printer : public Renderer {
   void awaitWritable() const;
 
   const int fd_;
+  const int exceptions_;  // in flight when this Printer was made
 };
 
 }  // namespace tabula

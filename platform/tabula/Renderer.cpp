@@ -75,24 +75,14 @@ void Renderer::end() {
   complete_ = true;
 }
 
-int Renderer::addFrills(const Format& format, std::span<const Arg> args) {
-  checkInterrupt();
-  if (json_) return 0;
-  std::size_t next = 0;
-  for (const Piece& piece : format.pieces()) {
-    const bool argsFit =
-        next + piece.args() <= args.size() &&
-        (!piece.widthIsArg || args[next].kind() == Arg::Kind::unsignedNumber) &&
-        (piece.conversion == 0 || detail::takes(piece.conversion, args[next + piece.args() - 1].kind()));
-    VANE_ASSERT(argsFit);
-    next += piece.args();
-  }
-  return writeAcross(format.text(), format.pieces(), args.data());
-}
-
 void Renderer::ioflush() {
   checkInterrupt();
   flushBuffer();
+}
+
+void Renderer::checkClosed() const {
+  const bool everyScopeClosed = depth_ == 0;
+  VANE_ASSERT(everyScopeClosed);
 }
 
 void Renderer::flushBuffer() {

@@ -53,8 +53,6 @@ class Renderer : public Mote::Node {
     checkInterrupt();
     return json_ ? 0 : write<format>(args...);
   }
-  /// The same for a format known only at run time.
-  int addFrills(const Format& format, std::span<const Arg> args);
 
   /// Text: as addFrills. JSON: each descriptor's value becomes a member of the current object, under its key.
   template <FixedString format, class... Args>
@@ -85,6 +83,8 @@ class Renderer : public Mote::Node {
     }
   }
   void flushBuffer();
+  /// Fatal when a scope of the model is open.
+  void checkClosed() const;
 
  private:
   enum class Scope : U8 { model, submodel, dict, entry };

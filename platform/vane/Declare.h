@@ -144,22 +144,25 @@ constexpr AttributeDescriptor operation(std::string_view name, Name... parameter
           }};
 }
 
+/// A queue attribute. The walk is over what was queued when it began.
 template <auto items, auto enq, auto deq>
 constexpr AttributeDescriptor queue(std::string_view name) {
   using Owner = OwnerOf<items>;
   using Item = ResultOf<deq>;
   class QueueCursor final : public Cursor {
    public:
-    explicit QueueCursor(Owner& owner) : owner_(&owner), at_((owner.*items)().begin()) {}
-    bool valid() const override { return !(at_ == ((*owner_).*items)().end()); }
+    explicit QueueCursor(Owner& owner) {
+      for (const Item& item : (owner.*items)()) items_.push_back(item);
+    }
+    bool valid() const override { return at_ < items_.size(); }
     Value key() const override { return {}; }
-    Value item() const override { return *at_; }
+    Value item() const override { return items_[at_]; }
     void advance() override { ++at_; }
     void del() override { throw InternalException("a queue gives up its front only"); }
 
    private:
-    Mote::Ptr<Owner> owner_;
-    decltype(((*owner_).*items)().begin()) at_;
+    std::vector<Item> items_;
+    std::size_t at_ = 0;
   };
   return {name,
           kindFlag<Item> | flagWritable | flagQueue,

@@ -58,14 +58,26 @@ const TypeDescriptor* findType(std::string_view name) {
   return nullptr;
 }
 
+namespace {
+
+const AttributeDescriptor* attributeOf(const Mote::Node& object, U32 attribute) {
+  const TypeData* typeData = object.typeData();
+  return typeData == nullptr ? nullptr : typeData->type().attribute(attribute);
+}
+
+}  // namespace
+
 OpStatus genericIfAttributeOp(Mote::Node& object, Value& result, U32 attribute, U8 op,
                               std::span<const Value> arguments, const Value& value) {
-  const TypeData* typeData = object.typeData();
-  const AttributeDescriptor* descriptor =
-      typeData == nullptr ? nullptr : typeData->type().attribute(attribute);
+  const AttributeDescriptor* descriptor = attributeOf(object, attribute);
   if (descriptor == nullptr) return OpStatus::unknownAttribute;
   return descriptor->op(object,
                         {static_cast<OpCode>(op), Arguments(descriptor->name, arguments), value, result});
+}
+
+std::unique_ptr<Cursor> genericIfCursor(Mote::Node& object, U32 attribute) {
+  const AttributeDescriptor* descriptor = attributeOf(object, attribute);
+  return descriptor == nullptr || descriptor->cursor == nullptr ? nullptr : descriptor->cursor(object);
 }
 
 }  // namespace Vane

@@ -105,7 +105,7 @@ struct Request {
   Value& result;
 };
 
-/// A walk over one collection or queue. It may outlive changes of it, not the object that owns it.
+/// A walk over one collection or queue, which may change meanwhile.
 class Cursor {
  public:
   Cursor() = default;
@@ -180,5 +180,7 @@ const TypeDescriptor* findType(std::string_view name);
 /// InternalException; whatever an operation raises passes through.
 OpStatus genericIfAttributeOp(Mote::Node& object, Value& result, U32 attribute, U8 op,
                               std::span<const Value> arguments, const Value& value = {});
+/// A walk over a collection or queue attribute of a registered entity, null when the number is none of one.
+std::unique_ptr<Cursor> genericIfCursor(Mote::Node& object, U32 attribute);
 
 }  // namespace Vane

@@ -47,11 +47,14 @@ class Value {
   template <class T>
   struct Reader {
     static T read(const Value& value) {
+      // An enumerator is held as its number, and read from a plain number, too.
+      using Held = std::conditional_t<Enumerated<T>, U8, T>;
+      const Held* held = std::any_cast<Held>(&value.held_);
+      const bool fits = value.type_ == typeName<T> || value.type_ == typeName<Held>;
+      if (held == nullptr || !fits) value.throwMismatch(typeName<T>);
       if constexpr (Enumerated<T>) {
-        return enumFromNumber<T>(value.as<U8>());
+        return enumFromNumber<T>(*held);
       } else {
-        const T* held = std::any_cast<T>(&value.held_);
-        if (held == nullptr) value.throwMismatch(typeName<T>);
         return *held;
       }
     }

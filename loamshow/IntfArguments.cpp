@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "loamshow/JsonDocument.h"
+#include "loamshow/NearMiss.h"
 
 namespace loamshow {
 
@@ -24,7 +25,7 @@ std::string lowerCase(std::string_view text) {
 /// The interfaces by everything that names them.
 class Names {
  public:
-  explicit Names(const std::vector<IntfId>& interfaces) {
+  explicit Names(const std::vector<IntfId>& interfaces) : interfaces_(interfaces) {
     byExactName_.reserve(interfaces.size());
     byName_.reserve(2 * interfaces.size());
     for (const IntfId intf : interfaces) {
@@ -49,6 +50,15 @@ class Names {
     return first;
   }
 
+  [[noreturn]] void throwUnknown(std::string_view name) const {
+    std::vector<std::string_view> names;
+    for (const IntfId intf : interfaces_) {
+      names.push_back(intf.stringValue());
+      names.push_back(intf.shortName());
+    }
+    throw InputError("no such interface " + quoted(name) + nearMiss(name, names));
+  }
+
  private:
   /// The first interface of a name, and another one, if there is one.
   using Owners = std::pair<IntfId, IntfId>;
@@ -58,6 +68,7 @@ class Names {
     if (!isNew && at->second.first != intf) at->second.second = intf;
   }
 
+  const std::vector<IntfId>& interfaces_;
   std::unordered_map<std::string_view, IntfId> byExactName_;
   std::unordered_map<std::string, Owners> byName_;  // by lower-case name
 };
@@ -120,7 +131,7 @@ void appendName(const Names& names, std::string_view name, std::vector<IntfId>& 
   } else if (looksLikeRange(name, hyphen)) {
     appendRange(names, name, hyphen, selected);
   } else {
-    throw InputError("no such interface " + quoted(name));
+    names.throwUnknown(name);
   }
 }
 

@@ -143,9 +143,13 @@ TEST(Program, ExplainsWrongUsage) {
     const char* error;
   };
   const Case cases[] = {
-      {{}, "A subcommand is required (see --help)"},
+      {{}, "expected a command: acl, cpu, debug, drops, ingress, mtu, queues, registry (see --help)"},
+      {{"queus"}, "no such command queus; did you mean queues? (see --help)"},
+      {{"--jsno"}, "no such option --jsno; did you mean --json? (see --help)"},
       {{"bogus"}, "no such command bogus (see --help)"},
       {{"--bogus", "mtu"}, "The following argument was not expected: --bogus (see --help)"},
+      {{"debug", "--blok"},
+       "The following argument was not expected: --blok; did you mean --block? (see --help)"},
       {{"mtu", "-f", "xml"}, "--format: xml not in {text,json} (see --help)"},
       {{"queues", "Ethernet99"}, "no such interface \"Ethernet99\""},
       {{"-s", "/nowhere.json", "mtu"}, "/nowhere.json: cannot read: No such file or directory"},

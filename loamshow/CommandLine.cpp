@@ -211,4 +211,37 @@ CommandLine parseCommandLine(int argc, char** argv) {
   return parser.line;
 }
 
+Completion completeCommandLine(int argc, char** argv) {
+  const std::string typed = argv[argc - 1];
+  const std::string before = argv[argc - 2];
+  const std::size_t equals = typed.starts_with("--") ? typed.find('=') : std::string::npos;
+  const std::string name = equals == std::string::npos ? before : typed.substr(0, equals);
+  Parser parser;
+  const CLI::App& app = parser.app;
+  try {
+    parser.app.parse(words(app, argc - 1, argv));
+  } catch (const CLI::ParseError&) {
+    // Not complete, of course; what is there has been read.
+  }
+  Completion completion{Completion::Kind::words, {}, parser.line};
+  Choices choices;
+  const CLI::Option* option = name.starts_with('-') ? findOption(app, name) : nullptr;
+  if (option != nullptr && option->get_expected_max() > 0) {
+    if (option->get_type_name() == fileValue) completion.kind = Completion::Kind::file;
+    if (option != app.get_option("--format")) return completion;
+    for (const std::string& format : formats) choices.emplace(typed.substr(0, equals + 1) + format, "");
+  } else if (typed.starts_with('-')) {
+    choices = options(app);
+  } else if (app.get_subcommands().empty()) {
+    choices = commands(app);
+  } else if (app.get_subcommands().front()->get_option_no_throw(intfArgument) != nullptr) {
+    completion.kind = Completion::Kind::interface;
+  }
+  for (const auto& [word, meaning] : choices) {
+    if (!word.starts_with(typed)) continue;
+    completion.words.push_back(word + '\t' + meaning.substr(0, meaning.find('\n')));
+  }
+  return completion;
+}
+
 }  // namespace loamshow

@@ -30,4 +30,16 @@ struct CommandLine {
 /// Raises InputError for wrong usage.
 CommandLine parseCommandLine(int argc, char** argv);
 
+/// What the last word of a command line, which is being typed, can become.
+struct Completion {
+  enum class Kind : U8 { words, interface, file };
+
+  Kind kind;
+  std::vector<std::string> words;  // of that kind: each with a tab and what it means, in a line
+  CommandLine line;                // what stands before
+};
+
+/// Raises InputError where what stands before is not to be understood.
+Completion completeCommandLine(int argc, char** argv);
+
 }  // namespace loamshow

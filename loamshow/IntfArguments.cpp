@@ -157,4 +157,20 @@ std::vector<IntfId> selectInterfaces(const std::vector<IntfId>& interfaces,
   return selected;
 }
 
+std::vector<std::string> completeInterface(const std::vector<IntfId>& interfaces, std::string_view typed) {
+  const std::string prefix = lowerCase(typed);
+  std::vector<std::string> names;
+  for (const auto nameOf : {&IntfId::stringValue, &IntfId::shortName}) {
+    for (const IntfId intf : interfaces) {
+      const Mote::String& name = (intf.*nameOf)();
+      if (lowerCase(name).starts_with(prefix)) names.emplace_back(name.view());
+    }
+    if (!names.empty()) return names;
+  }
+  const std::size_t list = typed.rfind(',') + 1;
+  if (list > 0) names = completeInterface(interfaces, typed.substr(list));
+  for (std::string& name : names) name.insert(0, typed.substr(0, list));
+  return names;
+}
+
 }  // namespace loamshow

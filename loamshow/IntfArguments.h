@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Nexo.h"
@@ -14,5 +15,10 @@ namespace loamshow {
 /// malformed or backwards.
 std::vector<Nexo::IntfId> selectInterfaces(const std::vector<Nexo::IntfId>& interfaces,
                                            const std::vector<std::string>& arguments);
+
+/// What an argument that is being typed can become: the long names that begin so, in any case; when there are
+/// none the short ones, and then the list with its last name completed.
+std::vector<std::string> completeInterface(const std::vector<Nexo::IntfId>& interfaces,
+                                           std::string_view typed);
 
 }  // namespace loamshow

@@ -10,6 +10,7 @@
 
 #include "loamshow/CommandLine.h"
 #include "loamshow/Interrupts.h"
+#include "loamshow/IntfArguments.h"
 #include "loamshow/JsonDocument.h"
 #include "loamshow/Plugin.h"
 #include "loamshow/RegistryReport.h"
@@ -73,6 +74,20 @@ int run(const CommandLine& line) {
   return Interrupts::happened() ? exitInterrupted : exitWhole;
 }
 
+/// For the completion of shells: prints what the last word can become, a line each; fails where it names a
+/// file. Nobody waits for the names of a state that is no file to look into.
+int complete(int argc, char** argv) {
+  Completion completion = completeCommandLine(argc, argv);
+  const std::string state = statePath(completion.line);
+  if (completion.kind == Completion::Kind::interface && fs::is_regular_file(state)) {
+    completion.words = completeInterface(loadStateFile(state).interfaces, argv[argc - 1]);
+  }
+  std::string lines;
+  for (const std::string& word : completion.words) lines += word + '\n';
+  print(lines);
+  return completion.kind == Completion::Kind::file ? exitFailed : exitWhole;
+}
+
 int complain(int status, std::string_view problem) {
   std::string line(problem);
   std::replace_if(
@@ -91,6 +106,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // a file at its size limit: EFBIG
   try {
+    constexpr std::string_view forShells = "complete";
+    if (argc > 2 && argv[1] == forShells) return complete(argc - 1, argv + 1);
     return run(parseCommandLine(argc, argv));
   } catch (const InputError& error) {
     return complain(exitUsage, error.what());

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Installs a build, whose directory is the argument, and its package, and uses what a user finds there.
+set -euo pipefail
+build=$1
+root=$(mktemp -d)
+trap 'rm -rf "$root"' EXIT
+cd "$root"
+unset LOAM_STATE
+fail() { echo "$*" >&2 && exit 1; }
+
+cmake --install "$build" --prefix "$root/opt" >log
+cpack --config "$build/CPackConfig.cmake" -B "$root/package" >log 2>&1 || fail "$(cat log)"
+dpkg-deb -x package/*.deb deb
+diff <(cd opt && find . ! -type d | sort) <(cd deb/usr && find . ! -type d | sort)
+! grep -rlF "${build%/build/*}" opt deb || fail "installed files name the source or build directory"
+
+for prefix in opt deb/usr; do
+  cmp <("$prefix/bin/loamshow" queues) <("$build/bin/loamshow" queues -s "$build/share/loamcounters/sample-switch.json")
+done
+mv opt moved
+moved/bin/loamshow registry >log
+
+for header in moved/include/loamcounters/platform/*.h; do
+  g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror -Imoved/include/loamcounters -include "$header" -x c++ /dev/null
+done
+man=moved/share/man/man1/loamshow.1
+for command in $(moved/bin/loamshow complete '' | cut -f1); do
+  grep -q "It Cm $command" $man || fail "no $command in $man"
+  for option in $(moved/bin/loamshow complete "$command" -- | cut -f1); do
+    grep -q " ${option#-}\b" $man || fail "no $option in $man"
+  done
+done
+
+. moved/share/bash-completion/completions/loamshow
+PATH=$root/moved/bin:$PATH
+completed() {
+  COMP_LINE=$1 COMP_POINT=${#1}
+  _loamshow loamshow || true
+  [ "${COMPREPLY[*]}" = "$2" ] || fail "$1 becomes ${COMPREPLY[*]}"
+}
+completed 'loamshow acl po' 'Port-Channel1 Port-Channel2'
+completed 'loamshow --format=j' json
+LOAM_STATE=$man completed 'loamshow acl ' ''

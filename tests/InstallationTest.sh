@@ -23,6 +23,13 @@ moved/bin/loamshow registry >log
 for header in moved/include/loamcounters/platform/*.h; do
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror -Imoved/include/loamcounters -include "$header" -x c++ /dev/null
 done
+cmake -S moved/share/doc/loamcounters/example -B host -DCMAKE_PREFIX_PATH="$root/moved" >log
+cmake --build host >log || fail "$(cat log)"
+rows=$(for i in {0..7}; do
+  printf '%-26s %-7s %18u %18u %18u %18u\n' Et1 "TC$i" $((100 + i)) 6400 "$i" $((64 * i))
+done)
+[ "$(host/loamhost | sed -n 5,12p)" = "$rows" ] || fail "the example host: $(host/loamhost)"
+
 man=moved/share/man/man1/loamshow.1
 for command in $(moved/bin/loamshow complete '' | cut -f1); do
   grep -q "It Cm $command" $man || fail "no $command in $man"

@@ -1,0 +1,91 @@
+// A host in one file: loads the plug-in, hands it a switch of one chip with one port, and asks for the queue
+// counters of that port. Everything of the plug-in is found in the registry, by name.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "platform/Cortex.h"
+#include "platform/CounterAgent.h"
+#include "platform/HardwareLoam.h"
+#include "platform/LoamTm.h"
+#include "platform/Vane.h"
+#include "platform/tabula.h"
+
+namespace {
+
+using Vane::Value;
+using Arguments = std::vector<Value>;
+using Object = Mote::Ptr<Mote::Node>;
+
+const Nexo::IntfId ethernet1("Ethernet1");
+
+/// The counters of the switch. A real one asks its chips here; what is not overridden reads as zeros.
+class ChipCounters : public LoamCounters::MemoryCounterTables {
+ public:
+  LoamCounters::IngressTcCounter ingressTcCounter(Hardware::Loam::FapId /*fap*/,
+                                                  Hardware::Loam::LocalCoreId /*core*/,
+                                                  Nexo::IntfId intf) const override {
+    LoamCounters::IngressTcCounter counter;
+    for (U64 queue = 0; intf == ethernet1 && queue < 8; ++queue) {
+      counter.queueIs(LoamCounters::IngressCounterIndex(queue), {{100 + queue, 6400, queue, 64 * queue}});
+    }
+    return counter;
+  }
+};
+
+Object make(std::string_view typeName, const Arguments& arguments) {
+  const Vane::TypeDescriptor* type = Vane::findType(typeName);
+  if (type == nullptr) throw std::runtime_error("no type " + std::string(typeName));
+  return type->instance(arguments);
+}
+
+Value request(const Object& object, std::string_view attribute, Vane::OpCode op, const Arguments& arguments,
+              const Value& value = {}) {
+  const U32 number = object->typeData()->type().numberOf(attribute).value();
+  Value result;
+  if (Vane::genericIfAttributeOp(*object, result, number, static_cast<U8>(op), arguments, value) !=
+      Vane::OpStatus::done) {
+    throw std::runtime_error("not possible with " + std::string(attribute));
+  }
+  return result;
+}
+
+Object countersPrinter() {
+  const Hardware::Loam::SystemPhyPortId port(34);
+  const Hardware::Loam::FapId fap(0);
+  const auto status = Mote::make<Hardware::Loam::Status>();
+  status->fapIdToName.set(fap, "Fap0");
+  status->fapNumCores.set(fap, 1);
+  status->fapRevision.set(fap, {2});
+  status->sppidToIntfId.set(port, ethernet1);
+  status->intfIdToSppid.set(ethernet1, port);
+  status->portMaps.set(port, {Hardware::Loam::FapPortId(1), fap, Hardware::Loam::LocalCoreId(0)});
+  const auto tmMapping = Mote::make<LoamTm::TmMapping>();
+  tmMapping->portTmMap.set(port, true);
+  const auto entityManager = Mote::make<Cortex::EntityManager>();
+  entityManager->mountIs(LoamCounters::CounterTables::path, Mote::make<ChipCounters>());
+  return make(
+      "LoamCounters::CountersPrinter",
+      {Hardware::Loam::Status::PtrConst(status), LoamTm::TmMapping::PtrConst(tmMapping),
+       Hardware::Loam::InternalLagClientStatus::PtrConst(), LoamCounters::TrafficClassMapping::PtrConst(),
+       Hardware::Loam::CounterEngineStatus::PtrConst(), entityManager, false});
+}
+
+}  // namespace
+
+int main() {
+  // Never unloaded: what an operation raises may be of a type that only the plug-in has.
+  if (::dlopen(LOAM_PLUGIN, RTLD_NOW | RTLD_LOCAL) == nullptr) {
+    std::cerr << ::dlerror() << "\n";
+    return 1;
+  }
+  const Object interfaces = make("LoamCounters::IntfList", {});
+  request(interfaces, "intf", Vane::OpCode::enqueue, {}, ethernet1);
+  request(countersPrinter(), "showInterfacesQueueCounters", Vane::OpCode::call,
+          {U32{STDOUT_FILENO}, tabula::formatText, interfaces, false, false});
+}

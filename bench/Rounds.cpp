@@ -36,7 +36,7 @@ void compare(benchmark::State& state, const std::string& what, const std::vector
   std::vector<std::vector<double>> ratios(competitors.size());
   for (const Competitor& competitor : competitors) competitor.run();  // warms up
   std::size_t round = 0;
-  for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
+  for (auto _ : state) {
     std::vector<double> times(competitors.size());
     for (std::size_t i = 0; i < competitors.size(); ++i) {
       const std::size_t turn = (round + i) % competitors.size();
@@ -78,7 +78,7 @@ class TableReporter : public benchmark::BenchmarkReporter {
 }  // namespace
 
 void addComparison(const std::string& what, int rounds, std::function<std::vector<Competitor>()> prepare) {
-  benchmark::RegisterBenchmark(  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the library owns it
+  benchmark::RegisterBenchmark(
       what.c_str(),
       [what, prepare = std::move(prepare)](benchmark::State& state) { compare(state, what, prepare()); })
       ->Iterations(rounds)
@@ -89,7 +89,6 @@ void addFigure(const std::string& what, const std::string& unit, const std::stri
                std::function<double()> measure) {
   lines()[what][unit] = {"", unit, target};
   benchmark::RegisterBenchmark(what.c_str(), [unit, measure = std::move(measure)](benchmark::State& state) {
-    // NOLINTNEXTLINE(clang-analyzer-deadcode.DeadStores)
     for (auto _ : state) state.counters[unit] = measure();
   })->Iterations(1);
 }

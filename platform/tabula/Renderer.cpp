@@ -27,8 +27,9 @@ bool isPlain(const char* text, std::size_t size) {
   const auto byte = [&](std::size_t i) { return U64{static_cast<unsigned char>(text[i])}; };
   if (size >= 8) {
     U64 special = specialBytes(loadWord<U64>(text + size - 8));
-    for (std::size_t done = 0; done + 8 < size; done += 8)
+    for (std::size_t done = 0; done + 8 < size; done += 8) {
       special |= specialBytes(loadWord<U64>(text + done));
+    }
     return special == 0;
   }
   if (size >= 4) return specialBytes(loadWord<U32>(text) | (loadWord<U32>(text + size - 4) << 32U)) == 0;
@@ -204,8 +205,10 @@ void Renderer::openNamed(std::string_view name, Scope scope) {
     *at++ = '"';
     copyShort(at, name.data(), name.size());
     at += name.size();
-    std::memcpy(at, "\":{", 3);
-    at_ = at + 3;
+    *at++ = '"';
+    *at++ = ':';
+    *at++ = '{';
+    at_ = at;
   } else {
     if (separate_) put(',');
     putString(name);

@@ -2,17 +2,15 @@
 
 #include <sstream>
 
-namespace loamtest {
+#include "platform/Nexo.h"
 
-namespace {
+namespace loamtest {
 
 std::string columns(int width, const Json& quad) {
   std::string text;
   for (const Json& count : quad) text += line(" %*llu", width, count.get<unsigned long long>());
   return text.substr(1) + "\n";
 }
-
-}  // namespace
 
 std::string ingressHead(const std::string& title) {
   return title + "\n" +
@@ -42,6 +40,26 @@ std::string egressHead() {
          line("%-20s %-5s\n", "", "Class");
 }
 
+std::string cpuEgressHead() {
+  return "Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType",
+                                          "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets");
+}
+
+std::string dropsHead() {
+  return line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
+              "DropOctets") +
+         std::string(95, '-') + "\n";
+}
+
+std::string aclHead() {
+  return "Aggregate Egress Acl Counters\n" + line("%-10s %19s %19s\n", "Port", "Source Pruning", "Mlag");
+}
+
+std::string mtuHead() {
+  return "Aggregate Egress Mtu Counters\n" +
+         line("%-17s %19s %19s %19s\n", "Switch", "EnqueuePkts", "Discards", "TotalPkts");
+}
+
 std::string egressRows(const std::string& name, const Labels& labels, const Quads& ucast,
                        const Quads& mcast) {
   std::string text;
@@ -55,24 +73,24 @@ std::string egressRows(const std::string& name, const Labels& labels, const Quad
 
 Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast) {
   Json json;
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    json["ucastQueues"]["trafficClasses"][labels[i]]["dropPrecedences"]["DP0-3"] = members(ucast[i]);
-  }
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    json["mcastQueues"]["trafficClasses"][labels[i]]["dropPrecedences"]["DP0-3"] = members(mcast[i]);
+  for (const auto& [queues, quads] : {std::pair{"ucastQueues", &ucast}, std::pair{"mcastQueues", &mcast}}) {
+    Json& classes = json[queues]["trafficClasses"];
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+      classes[labels[i]]["dropPrecedences"]["DP0-3"] = members((*quads)[i]);
+    }
   }
   return json;
 }
 
-Quads ingressQuads(U64 intf, U64 source, int count) {
+Quads ingressQuads(U64 intf, U64 source, U64 count) {
   Quads quads;
-  for (int t = 0; t < count; ++t) quads.push_back(quad(ingressBase(intf, source, static_cast<U64>(t))));
+  for (U64 t = 0; t < count; ++t) quads.push_back(quad(ingressBase(intf, source, t)));
   return quads;
 }
 
-Quads ingressSums(U64 intf, int count) {
+Quads ingressSums(U64 intf, U64 count) {
   Quads quads;
-  for (int t = 0; t < count; ++t) quads.push_back(ingressSum(intf, static_cast<U64>(t)));
+  for (U64 t = 0; t < count; ++t) quads.push_back(ingressSum(intf, t));
   return quads;
 }
 
@@ -80,6 +98,18 @@ Quads egressQuads(U64 kind, U64 intf, U64 destType, const std::vector<U64>& tcs)
   Quads quads;
   for (const U64 t : tcs) quads.push_back(quad(egressBase(kind, intf, t, destType)));
   return quads;
+}
+
+void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
+                const Quads& quads) {
+  text += ingressRows(Nexo::IntfId(name).shortName().c_str(), labels, quads);
+  interfaces[name] = ingressJson(labels, quads);
+}
+
+void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
+               const Quads& ucast, const Quads& mcast) {
+  text += egressRows(Nexo::IntfId(name).shortName().c_str(), labels, ucast, mcast);
+  interfaces[name] = egressJson(labels, ucast, mcast);
 }
 
 std::vector<std::string> rowNames(const std::string& text) {

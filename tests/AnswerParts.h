@@ -12,22 +12,34 @@ namespace loamtest {
 using Labels = std::vector<std::string>;
 using Quads = std::vector<Json>;
 
+/// The four counts in columns of that width, to the end of the line.
+std::string columns(int width, const Json& quad);
 /// The head of an ingress block by interface and traffic class.
 std::string ingressHead(const std::string& title);
 /// One interface's ingress rows, with a queue column of that width, and their collection in JSON.
 std::string ingressRows(const std::string& name, const Labels& labels, const Quads& quads,
                         int queueWidth = 7);
 Json ingressJson(const Labels& labels, const Quads& quads, const char* collection = "trafficClasses");
-/// The two heading lines of the egress queues.
+/// The heads of the egress queues, the CPU's egress queues, and the other commands.
 std::string egressHead();
+std::string cpuEgressHead();
+std::string dropsHead();
+std::string aclHead();
+std::string mtuHead();
 /// One interface's egress rows, a unicast and a multicast one per label, and their object in JSON.
 std::string egressRows(const std::string& name, const Labels& labels, const Quads& ucast, const Quads& mcast);
 Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast);
 
-/// Quads of the small switch.
-Quads ingressQuads(U64 intf, U64 source, int count = 8);
-Quads ingressSums(U64 intf, int count = 8);
+/// Quads of the small switch: of a source, of the sum of the sources, and of egress queues.
+Quads ingressQuads(U64 intf, U64 source, U64 count = 8);
+Quads ingressSums(U64 intf, U64 count = 8);
 Quads egressQuads(U64 kind, U64 intf, U64 destType, const std::vector<U64>& tcs);
+
+/// Adds an interface's rows to the text of an answer, and its object to the JSON, under its long name.
+void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
+                const Quads& quads);
+void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
+               const Quads& ucast, const Quads& mcast);
 
 /// The interfaces of a text answer's rows, from its first column, each once for every run of rows.
 std::vector<std::string> rowNames(const std::string& text);

@@ -17,6 +17,7 @@ namespace loamtest {
 namespace {
 
 using namespace LoamCounters;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// Counter tables of zeros that do something at each read.
@@ -70,8 +71,6 @@ struct Fixture {
   }
 };
 
-constexpr const char* operations[] = {"queues", "ingress", "cpu", "drops", "acl", "mtu"};
-
 void call(const CountersPrinter::Ptr& printer, const std::string& operation, U32 fd, U32 fmt,
           const IntfList::PtrConst& intfs) {
   if (operation == "queues") printer->showInterfacesQueueCounters(fd, fmt, intfs, true, false);
@@ -97,34 +96,24 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
         R"({"ingressVoqCounters":{"interfaces":{}},"egressQueueCounters":{"interfaces":{}}})"}},
       {"ingress", {"", R"({"sources":{}})"}},
       {"cpu",
-       {"Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType",
-                                         "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets"),
+       {cpuEgressHead(),
         R"({"ingressVoqs":{"sources":{}},"egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})"}},
-      {"drops",
-       {line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
-             "DropOctets") +
-            std::string(95, '-') + "\n\n",
-        R"({"interfaces":{}})"}},
-      {"acl",
-       {"Aggregate Egress Acl Counters\n" + line("%-10s %19s %19s\n", "Port", "Source Pruning", "Mlag"),
-        R"({"interfaces":{}})"}},
-      {"mtu",
-       {"Aggregate Egress Mtu Counters\n" +
-            line("%-17s %19s %19s %19s\n", "Switch", "EnqueuePkts", "Discards", "TotalPkts"),
-        R"({"destinations":{}})"}},
+      {"drops", {dropsHead() + "\n", R"({"interfaces":{}})"}},
+      {"acl", {aclHead(), R"({"interfaces":{}})"}},
+      {"mtu", {mtuHead(), R"({"destinations":{}})"}},
   };
   const Fixture fixture;
   fixture.tables->atRead = [] { ADD_FAILURE() << "read"; };
   const auto printer = fixture.printer();
   printer->fapCounterAccessorDel();
   printer->egressAclCountersAccessorDel();
-  for (const std::string operation : operations) {
-    const auto& [text, json] = empty.at(operation);
-    EXPECT_EQ(called(printer, operation, 1, fixture.intfs), text);
-    EXPECT_EQ(called(printer, operation, 2, fixture.intfs), json + "\n");
-    if (operation == "acl") continue;  // reads no status
-    EXPECT_EQ(called(fixture.printer(false), operation, 1, fixture.intfs), text);
-    EXPECT_EQ(called(fixture.printer(false), operation, 2, fixture.intfs), json + "\n");
+  for (const auto& [operation, answers] : empty) {
+    const auto expectEmpty = [&](const CountersPrinter::Ptr& of) {
+      EXPECT_EQ(called(of, operation, 1, fixture.intfs), answers.first);
+      EXPECT_EQ(called(of, operation, 2, fixture.intfs), answers.second + "\n");
+    };
+    expectEmpty(printer);
+    if (operation != "acl") expectEmpty(fixture.printer(false));  // it reads no status
   }
   for (const char* operation : {"queues", "ingress", "acl"}) {
     EXPECT_EQ(called(printer, operation, 1, nullptr) + called(printer, operation, 2, nullptr), "");
@@ -133,7 +122,9 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
 }
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {
-  const auto sources = [](const char* operation, const std::function<void(Hardware::Loam::Status&)>& change,
+  using Status = Hardware::Loam::Status;
+  // The names under which an operation shows its sources, when the status changes at a read.
+  const auto sources = [](const char* operation, const char* path, const std::function<void(Status&)>& change,
                           int atRead = 2) {
     const Fixture fixture;
     int reads = 0;
@@ -142,37 +133,30 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
     };
     const auto intfs = intfListFactory();
     intfs->intfEnq(Nexo::IntfId("Ethernet3"));
-    const Json json = Json::parse(called(fixture.printer(), operation, 2, intfs));
     std::vector<std::string> names;
-    const Json& found =
-        operation == std::string("mtu") ? json["destinations"]
-        : operation == std::string("drops")
-            ? json["interfaces"]["Ethernet3"]["trafficClasses"]["TC0"]["ingressVoqCounters"]["sources"]
-            : json["sources"];
-    for (const auto& [name, source] : found.items()) names.push_back(name);
+    const Json json = Json::parse(called(fixture.printer(), operation, 2, intfs));
+    for (const auto& [name, source] : json[Json::json_pointer(path)].items()) names.push_back(name);
     return names;
   };
-  using Status = Hardware::Loam::Status;
-  const auto addFap = [](Status& status, U64 id, const char* name) {
-    status.fapNumCores.set(FapId(id), 1);
-    status.fapIdToName.set(FapId(id), name);
-  };
   // The FAP that is being shown goes, and others come below and above it.
-  const auto replace = [&](Status& status) {
+  const auto replace = [](Status& status) {
     status.fapIdToName.remove(FapId(3));
-    addFap(status, 1, "Below");
-    addFap(status, 5, "Above");
+    for (const auto& [id, name] : {std::pair{1U, "Below"}, std::pair{5U, "Above"}}) {
+      status.fapNumCores.set(FapId(id), 1);
+      status.fapIdToName.set(FapId(id), name);
+    }
   };
-  EXPECT_THAT(sources("ingress", [](Status&) {}), testing::ElementsAre("A.0", "A.1", "B"));
-  EXPECT_THAT(sources("ingress", replace), testing::ElementsAre("A.0", "A.1", "Above", "B"));
-  EXPECT_THAT(sources("ingress", [](Status& status) { status.fapNumCores.remove(FapId(7)); }),
-              testing::ElementsAre("A.0", "A.1"));
-  EXPECT_THAT(sources("mtu", [](Status& status) { status.fapIdToName.remove(FapId(7)); }),
-              testing::ElementsAre("A", "B"))
-      << "the second read is already that of B";
-  EXPECT_THAT(sources("mtu", replace, 1), testing::ElementsAre("A", "Above", "B"));
+  const auto remove = [](Status& status) { status.fapIdToName.remove(FapId(7)); };
+  const auto removeCores = [](Status& status) { status.fapNumCores.remove(FapId(7)); };
+  EXPECT_THAT(sources("ingress", "/sources", [](Status&) {}), ElementsAre("A.0", "A.1", "B"));
+  EXPECT_THAT(sources("ingress", "/sources", replace), ElementsAre("A.0", "A.1", "Above", "B"));
+  EXPECT_THAT(sources("ingress", "/sources", removeCores), ElementsAre("A.0", "A.1"));
+  EXPECT_THAT(sources("mtu", "/destinations", remove), ElementsAre("A", "B"))
+      << "read 2 is already that of B";
+  EXPECT_THAT(sources("mtu", "/destinations", replace, 1), ElementsAre("A", "Above", "B"));
   // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
-  EXPECT_THAT(sources("drops", replace), testing::ElementsAre("Below", "Above", "B"));
+  const char* const voqs = "/interfaces/Ethernet3/trafficClasses/TC0/ingressVoqCounters/sources";
+  EXPECT_THAT(sources("drops", voqs, replace), ElementsAre("Below", "Above", "B"));
 }
 
 TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {

@@ -20,18 +20,16 @@ Json cpuSwitch() {
   Json state = smallSwitch();
   Json& status = state["status"];
   status["coppClassNumVoqs"] = 2;
-  for (const auto& [port, name] : std::map<std::string, std::string>{{"24", "Zulu"},
-                                                                     {"56", "Alpha"},
-                                                                     {"57", "NotAClass"},
-                                                                     {"2", "CpuTm0"},
-                                                                     {"23", "NotAClassEither"},
-                                                                     {"12", "Police2"},
-                                                                     {"22", "Police1"},
-                                                                     {"4", "CpuB"},
-                                                                     {"6", "CpuNowhere"},
-                                                                     {"7", "NotACpuPort"}}) {
-    status["sppidToIntfId"][port] = name;
-  }
+  status["sppidToIntfId"].update({{"24", "Zulu"},
+                                  {"56", "Alpha"},
+                                  {"57", "NotAClass"},
+                                  {"2", "CpuTm0"},
+                                  {"23", "NotAClassEither"},
+                                  {"12", "Police2"},
+                                  {"22", "Police1"},
+                                  {"4", "CpuB"},
+                                  {"6", "CpuNowhere"},
+                                  {"7", "NotACpuPort"}});
   status["intfIdToSppid"]["CpuTm0"] = 2;
   status["intfIdToSppid"]["CpuB"] = 4;
   status["portMap"]["2"] = {{"fapId", 3}};
@@ -70,47 +68,33 @@ const char* const policers[] = {"Police1", "Police2"};
 const std::map<std::string, U64> bases = {
     {"Alpha", 1000}, {"CoppSystemDefault", 2000}, {"Police1", 3000}, {"Police2", 4000}, {"Zulu", 5000}};
 
-Json scaled(const Json& quad, U64 factor) {
-  Json scaled = quad;
-  for (Json& count : scaled) count = count.get<U64>() * factor;
-  return scaled;
-}
-
 // CpuTm0 in port mode: the sum of its two queues. CpuB in queue mode: traffic classes 4 and 5 share the
 // counters of 0 and 1, so six of eight count. CpuNowhere has no FAP: both.
 const Json tm0 = plus(quad(10), quad(20));
-const Json cpuBUnicast = scaled(quad(100), 6);
-const Json cpuBMulticast = scaled(quad(200), 6);
+const Json cpuBUnicast = {606, 612, 618, 624};
+const Json cpuBMulticast = {1206, 1212, 1218, 1224};
+
+const std::tuple<const char*, Json, Json> cpuPorts[] = {
+    {"CpuTm0", tm0, zeros()},
+    {"CpuB", cpuBUnicast, cpuBMulticast},
+    {"CpuNowhere", plus(tm0, cpuBUnicast), cpuBMulticast}};
 
 std::string egressSection() {
-  std::string text =
-      "Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType", "OutEnqPkts",
-                                       "OutEnqOctets", "OutDropPkts", "OutDropOctets");
-  const auto row = [&](const char* name, const char* destType, const Json& q) {
-    text +=
-        line("%-20s %-10s %17llu %17llu %17llu %17llu\n", name, destType, q[0].get<unsigned long long>(),
-             q[1].get<unsigned long long>(), q[2].get<unsigned long long>(), q[3].get<unsigned long long>());
-  };
-  row("CpuTm0", "UC", tm0);
-  row("CpuTm0", "MC", zeros());
-  row("CpuB", "UC", cpuBUnicast);
-  row("CpuB", "MC", cpuBMulticast);
-  row("CpuNowhere", "UC", plus(tm0, cpuBUnicast));
-  row("CpuNowhere", "MC", cpuBMulticast);
+  std::string text = cpuEgressHead();
+  for (const auto& [name, unicast, multicast] : cpuPorts) {
+    text += line("%-20s %-10s ", name, "UC") + columns(17, unicast);
+    text += line("%-20s %-10s ", name, "MC") + columns(17, multicast);
+  }
   return text;
 }
 
 Json egressJson() {
-  const auto port = [](const Json& unicast, const Json& multicast) {
-    return Json{{"ucastQueues", {{"queues", {{"0", members(unicast)}}}}},
-                {"mcastQueues", {{"queues", {{"0", members(multicast)}}}}}};
-  };
-  return {{"sources",
-           {{"all",
-             {{"cpuPorts",
-               {{"CpuTm0", port(tm0, zeros())},
-                {"CpuB", port(cpuBUnicast, cpuBMulticast)},
-                {"CpuNowhere", port(plus(tm0, cpuBUnicast), cpuBMulticast)}}}}}}}};
+  Json json;
+  for (const auto& [name, unicast, multicast] : cpuPorts) {
+    json["sources"]["all"]["cpuPorts"][name] = {{"ucastQueues", {{"queues", {{"0", members(unicast)}}}}},
+                                                {"mcastQueues", {{"queues", {{"0", members(multicast)}}}}}};
+  }
+  return json;
 }
 
 TEST(CpuQueues, ShowsTwoTablesPerFapCore) {
@@ -140,20 +124,21 @@ TEST(CpuQueues, ShowsTwoTablesPerFapCore) {
 }
 
 TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
-  std::string expected = classHead("Aggregate CPU counters:", std::string(queueTitle) + "\n", false);
+  std::string expected;
   Json json;
-  Json& cpuClasses = json["ingressVoqs"]["sources"]["all"]["cpuClasses"];
-  for (const std::string name : classes) {
-    expected += ingressRows(name, {""}, {quad(bases.at(name) + 500)}, 0);
-    cpuClasses[name] = ingressJson({""}, {quad(bases.at(name) + 500)}, "ports");
-  }
-  expected += "\n" + classHead("Aggregate CPU counters:", std::string(policerTitle) + "\n", false);
-  for (const std::string name : policers) {
-    expected += ingressRows(name, {""}, {quad(bases.at(name) + 500)}, 0);
-    cpuClasses[name] = ingressJson({""}, {quad(bases.at(name) + 500)}, "ports");
-  }
+  const auto table = [&](const char* subtitle, const auto& names) {
+    expected += classHead("Aggregate CPU counters:", subtitle + std::string("\n"), false);
+    for (const std::string name : names) {
+      const Quads total = {quad(bases.at(name) + 500)};
+      expected += ingressRows(name, {""}, total, 0);
+      json["ingressVoqs"]["sources"]["all"]["cpuClasses"][name] = ingressJson({""}, total, "ports");
+    }
+    expected += "\n";
+  };
+  table(queueTitle, classes);
+  table(policerTitle, policers);
   json["egressQueues"] = egressJson();
-  EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary"}), expected + "\n" + egressSection());
+  EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary"}), expected + egressSection());
   EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary", "--per-port", "-j"}), json.dump() + "\n");
 }
 
@@ -180,15 +165,14 @@ TEST(CpuQueues, Core5CountsItsPortsFromZero) {
   const Json json = Json::parse(answer(state, {"cpu", "--per-port", "-j"}))["ingressVoqs"]["sources"];
   EXPECT_TRUE(json["A.5"]["cpuClasses"]["Zulu"]["ports"].contains("Et7"));
   EXPECT_TRUE(json["A.4"]["cpuClasses"]["Zulu"]["ports"].contains("Port0"));
-  state["status"]["coppClassNumVoqs"] = 2;
-  try {
-    answer(state, {"cpu", "--per-port"});
-    ADD_FAILURE() << "port 257 is none";
-  } catch (const Vane::RangeException& error) {
-    EXPECT_STREQ(error.what(),
-                 "Hardware::Loam::FapPortId::value < Hardware::Loam::FapPortId::min or > "
-                 "Hardware::Loam::FapPortId::null not allowed");
-  }
+  state["status"]["coppClassNumVoqs"] = 2;  // but port 257 is none
+  EXPECT_THAT(
+      [&] {
+        answer(state, {"cpu", "--per-port"});
+      },
+      testing::ThrowsMessage<Vane::RangeException>(
+          "Hardware::Loam::FapPortId::value < Hardware::Loam::FapPortId::min or > "
+          "Hardware::Loam::FapPortId::null not allowed"));
 }
 
 TEST(CpuQueues, ClassesOfTheFirstSwitchThatHasAnyStay) {

@@ -1,11 +1,8 @@
 #include <gmock/gmock.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cmath>
-#include <csignal>
-#include <fstream>
+#include <thread>
 
 #include "LoamCounters/DebugCountersPrinter/DebugCountersPrinter.h"
 #include "LoamCounters/DebugCountersPrinter/FapReport.h"
@@ -95,57 +92,21 @@ TEST(DebugReport, ShowsFapsBlocksAndCountersInNaturalOrder) {
 TEST(DebugReport, StopsAtWhatItCannotShow) {
   Json state = debugSwitch();
   Json& faps = state["debug"]["faps"];
-  std::string written;
-  const auto raised = [&] {
-    const MemoryFile file;
-    try {
-      loamshow::runShowCommand(parsed({"debug"}), loamshow::parseState("state", state.dump()),
-                               file.fdNumber());
-    } catch (const Vane::InternalException& error) {
-      written = file.content();
-      return std::string(error.what());
-    }
-    return std::string();
-  };
-  faps["fap2"]["directory"]["blocks"]["b10"]["Only"]["fetchType"] = 4;
-  EXPECT_EQ(raised(), "unsupported fetch type");
-  faps["fap2"]["directory"]["blocks"]["b10"]["Only"] = {{"numInstances", 1}, {"displayType", 1}};
-  EXPECT_EQ(raised(), "unsupported display type");
-  faps["fap2"].erase("snapshots");
-  EXPECT_EQ(raised(), "no shared-memory manager of debug counters for fap2");
-  EXPECT_EQ(written, "") << "raised before anything of it";
-}
-
-/// One block per name, each with counters "c1" and "c2" of one instance.
-Mote::Ptr<CounterDescriptorDir> fill(const Mote::Ptr<CounterDescriptorDir>& directory, int blocks) {
-  for (int i = 1; i <= blocks; ++i) {
-    const auto block = Mote::make<CounterBlockDescriptorPtrDir>();
-    for (const char* name : {"c1", "c2"}) {
-      const auto counter = Mote::make<CounterDescriptor>();
-      counter->displayName = name;
-      counter->numInstances = 1;
-      block->counterDescriptors.set(name, counter);
-    }
-    directory->blockToDescriptor.set("b" + std::to_string(i), block);
-  }
-  directory->validIs(true);
-  directory->readinessIs(1);
-  return directory;
-}
-
-std::string report(const CounterDescriptorDir::PtrConst& directory, const ShmemManager::PtrConst& manager) {
-  const auto descriptor = Mote::make<FapDescriptor>();
-  descriptor->counterDescriptorDir = directory;
-  const auto descriptors = fapDescriptorMappingFactory();
-  const auto managers = shmemMgrMappingFactory();
-  for (const char* fap : {"F1", "F2"}) {
-    descriptors->fapDescriptorIs(fap, descriptor);
-    managers->shmemMgrIs(fap, manager);
-  }
   const MemoryFile file;
-  debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, file.fdNumber(), 1, "now",
-                                                           false, {});
-  return file.content();
+  const auto show = [&] {
+    loamshow::runShowCommand(parsed({"debug"}), loamshow::parseState("state", state.dump()), file.fdNumber());
+  };
+  using testing::ThrowsMessage;
+  const Json snapshots = faps["fap2"]["snapshots"];
+  faps["fap2"].erase("snapshots");
+  EXPECT_THAT(show,
+              ThrowsMessage<Vane::InternalException>("no shared-memory manager of debug counters for fap2"));
+  EXPECT_EQ(file.content(), "") << "raised before anything of it";
+  faps["fap2"]["snapshots"] = snapshots;
+  faps["fap2"]["directory"]["blocks"]["b10"]["Only"]["fetchType"] = 4;
+  EXPECT_THAT(show, ThrowsMessage<Vane::InternalException>("unsupported fetch type"));
+  faps["fap2"]["directory"]["blocks"]["b10"]["Only"] = {{"numInstances", 1}, {"displayType", 1}};
+  EXPECT_THAT(show, ThrowsMessage<Vane::InternalException>("unsupported display type"));
 }
 
 ShmemRegion::PtrConst region(const ShmemWriter& writer) {
@@ -156,7 +117,7 @@ ShmemRegion::PtrConst region(const ShmemWriter& writer) {
 class Meddler : public ShmemManager {
  public:
   Meddler(int at, std::function<void()> meddle)
-      : ShmemManager(region(ShmemWriter({})), "F1"), at_(at), meddle_(std::move(meddle)) {}
+      : ShmemManager(region(ShmemWriter({})), ""), at_(at), meddle_(std::move(meddle)) {}
   Counter counter(const Mote::String&, U32) const override {
     if (++reads_ == at_) meddle_();
     return {};
@@ -172,26 +133,35 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   const auto line1 = counterLine(' ', "c1", "0", "never", "never");
   const auto line2 = counterLine(' ', "c2", "0", "never", "never");
   const auto block = [&](int i) { return "[B" + std::to_string(i) + "]\n" + line1 + line2; };
-  const auto directory = fill(Mote::make<CounterDescriptorDir>(), 5);
-
+  // What is shown of a FAP of that many blocks, with two counters each, when its directory changes at a read,
+  // and after that.
+  const auto shown = [&](int blocks, int atRead, const std::function<void(CounterDescriptorDir&)>& change) {
+    Json directory{{"valid", true}, {"readiness", 1}};
+    for (int i = 1; i <= blocks; ++i) {
+      for (const char* name : {"c1", "c2"}) {
+        directory["blocks"]["b" + std::to_string(i)][name] = {{"displayName", name}, {"numInstances", 1}};
+      }
+    }
+    const Json state{{"debug", {{"faps", {{"F", {{"directory", directory}}}}}}}};
+    loamshow::SwitchState switchState = loamshow::parseState("state", state.dump());
+    loamshow::DebugFap& fap = switchState.debugFaps[0];
+    auto& changing = const_cast<CounterDescriptorDir&>(*fap.descriptor->counterDescriptorDir);
+    fap.manager = Mote::make<Meddler>(atRead, [&] { change(changing); });
+    const MemoryFile file;
+    for (int i = 0; i < 2; ++i) loamshow::runShowCommand(parsed({"debug"}), switchState, file.fdNumber());
+    return file.content();
+  };
   // Read 4 is the last of the second block.
-  for (const auto& spoil : std::vector<std::function<void()>>{[&] { directory->readinessIs(0); },
-                                                              [&] { directory->validIs(false); }}) {
-    fill(directory, 5);
-    EXPECT_EQ(report(directory, Mote::make<Meddler>(4, spoil)),
-              title("F1") + block(1) + block(2) + "FapDescriptors are not valid for: F1" + title("F2") +
-                  "FapDescriptors are not valid for: F2");
-  }
-
-  fill(directory, 2);
-  for (const char* name : {"b3", "b4", "b5"}) directory->blockToDescriptor.remove(name);
-  const auto second = directory->blockToDescriptor.get("b2");
-  const auto removeC2 = [&] {
+  const std::string invalid = "FapDescriptors are not valid for: F";
+  const std::string cut = title("F") + block(1) + block(2) + invalid + title("F") + invalid;
+  EXPECT_EQ(shown(5, 4, [](auto& directory) { directory.readinessIs(0); }), cut);
+  EXPECT_EQ(shown(5, 4, [](auto& directory) { directory.validIs(false); }), cut);
+  const auto removeC2 = [](auto& directory) {
+    const auto second = directory.blockToDescriptor.get("b2");
     const_cast<CounterBlockDescriptorPtrDir&>(*second).counterDescriptors.remove("c2");
   };
-  const std::string shortened = block(1) + "[B2]\n" + line1;
-  EXPECT_EQ(report(directory, Mote::make<Meddler>(3, removeC2)),
-            title("F1") + shortened + title("F2") + shortened);
+  const std::string shortened = title("F") + block(1) + "[B2]\n" + line1;
+  EXPECT_EQ(shown(2, 3, removeC2), shortened + shortened);
 }
 
 TEST(DebugReport, CarriesOnOrEndsCleanlyAtEveryFault) {
@@ -232,18 +202,12 @@ TEST(DebugReport, PiecesComposeABlock) {
 }
 
 TEST(DebugReport, TracesWhenAskedTo) {
-  const std::string path = testing::TempDir() + "loam-trace-" + std::to_string(::getpid());
-  ::setenv("LOAM_TRACE", path.c_str(), 1);
+  const MemoryFile file;
+  ::setenv("LOAM_TRACE", file.path().c_str(), 1);
   answer(debugSwitch(), {"debug"});
-  std::ifstream file(path);
-  std::string first;
-  std::string second;
-  std::getline(file, first);
-  std::getline(file, second);
   constexpr const char* time = "20..-..-..T..:..:..[.]......Z ";
-  EXPECT_THAT(first, testing::MatchesRegex(std::string(time) + "printDebugCountersFap"));
-  EXPECT_THAT(second, testing::MatchesRegex(std::string(time) + "printDebugCountersFap took .* us"));
-  ::unlink(path.c_str());
+  EXPECT_THAT(file.content(), testing::MatchesRegex(std::string(time) + "printDebugCountersFap\n" + time +
+                                                    "printDebugCountersFap took .* us\n(.*\n)*"));
 }
 
 TEST(Shmem, RefusesDamagedRegions) {
@@ -278,28 +242,23 @@ TEST(Shmem, RefusesDamagedRegions) {
   }
 }
 
-// Another process writes a record over and over; every field read is one that it wrote.
+// While a record is written over and over, every field read is one that was written.
 TEST(Shmem, NeverReadsATornField) {
   const auto record = [](U64 value) {
     const Vane::Seconds time(static_cast<double>(value >> 32U));
     return Counter{value, time, time, time, value != 0};
   };
-  constexpr U64 values[] = {0, 0xffffffffffffffff};
-  ShmemWriter writer({{"F", "now", {record(0)}}});
+  const Counter records[] = {record(0), record(0xffffffffffffffff)};
+  ShmemWriter writer({{"F", "now", {records[0]}}});
   const auto manager = Mote::make<ShmemManager>(region(writer), "F");
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    for (U64 i = 0;; ++i) writer.counterIs(0, 0, record(values[i % 2]));
-  }
+  const std::jthread writing([&](const std::stop_token& stop) {
+    for (U64 i = 0; !stop.stop_requested(); ++i) writer.counterIs(0, 0, records[i % 2]);
+  });
   for (int i = 0; i < 2'000'000; ++i) {
     const Counter read = manager->counter("now", 0);
-    ASSERT_TRUE(read.value == values[0] || read.value == values[1]) << read.value;
-    ASSERT_TRUE(read.lastUpdate == record(values[0]).lastUpdate ||
-                read.lastUpdate == record(values[1]).lastUpdate);
+    ASSERT_TRUE(read.value == records[0].value || read.value == records[1].value) << read.value;
+    ASSERT_TRUE(read.lastUpdate == records[0].lastUpdate || read.lastUpdate == records[1].lastUpdate);
   }
-  ::kill(child, SIGKILL);
-  ::waitpid(child, nullptr, 0);
 }
 
 }  // namespace

@@ -21,107 +21,94 @@ std::string stateError(const std::string& text) {
   return "";
 }
 
+/// A state with a value in one place.
+Json stateWith(const std::string& path, Json value) {
+  for (Json::json_pointer at(path); !at.empty(); at.pop_back()) {
+    value = at.back() == "0" ? Json::array({value}) : Json{{at.back(), value}};
+  }
+  return value;
+}
+
 TEST(StateFile, NamesFileAndMemberOfEveryError) {
-  struct Case {
-    const char* text;
-    const char* error;
+  // A value where it does not belong.
+  const std::tuple<const char*, const char*, const char*> misplaced[] = {
+      {"/status/fapNumCores/1", R"("two")", "expected a number"},
+      {"/status/fapNumCores/1", "1.5", "expected an integer from 0 to 65535"},
+      {"/status/fapNumCores/1", "-1", "expected an integer from 0 to 65535"},
+      {"/status/fapNumCores/2047", "1", "expected a key from 0 to 2046"},
+      {"/status/fapNumCores/01", "1", "expected a key from 0 to 2046"},
+      {"/status/fapNumCores/", "1", "expected a key from 0 to 2046"},
+      {"/status/fapIdToName/1", "1", "expected a string"},
+      {"/status/fapIdToName/1", R"("a\u0000")", "a name cannot hold U+0000"},
+      {"/status/fapRevision/1/minor", "1", "unknown member"},
+      {"/status/sppidToIntfId/1", R"("a")", "expected a key from 2 to 32767"},
+      {"/status/intfIdToSppid/Et1~11", "32768", "expected an integer from 2 to 32767"},
+      {"/status/portMap/2/fapPortId", "257", "expected an integer from 0 to 256"},
+      {"/status/portMap/2/fapId", "2048", "expected an integer from 0 to 2047"},
+      {"/status/portMap/2/coreId", "7", "expected an integer from 0 to 6"},
+      {"/status/portMap/2/intfId", R"("a")", "unknown member"},
+      {"/status/recircPort/0", R"({"recircType": 1})", "expected a systemPhyPortId"},
+      {"/status/olpPort/65536", "3", "expected a key from 0 to 65535"},
+      {"/status/cpuRecircEnabled", "1", "expected true or false"},
+      {"/status/subIntfNumVoqs", "9", "expected an integer from 0 to 8"},
+      {"/status", "[]", "expected an object"},
+      {"/interfaces", "{}", "expected an array"},
+      {"/tmMapping/other", "[]", "unknown member"},
+      {"/fabricMcastVoq", R"({"min": 3})", "expected both min and max"},
+      {"/fabricMcastVoq", R"({"min": 3, "max": 2})", "expected a max from min to min + 7"},
+      {"/fabricMcastVoq", R"({"min": 3, "max": 11})", "expected a max from min to min + 7"},
+      {"/counters/ingress/0/fapId", "2047", "expected an integer from 0 to 2046"},
+      {"/counters/egress/a/queues/0", "[1, 2, 3]", "expected four counts"},
+      {"/counters/egress/a/ambiguousTcs", "[]", "unknown member"},
+      {"/counters/egressTm/a/ambiguousTcs/0", "4", "expected an integer from 0 to 3"},
+      {"/counters/egressAcl/a", "9223372036854775808", "expected an integer from 0 to 9223372036854775807"},
+      {"/counters/egressMtu/1/totalPackets", R"("x")", "expected a number"},
+      {"/debug/faps/F/directory/blocks/b/c/fields/f/offset", "null", "expected a number"},
+      {"/debug/faps/F/snapshots/s/0/firstUpdate", R"("x")", "expected a number"},
+      {"/colour", "1", "unknown member"},
   };
-  const Case cases[] = {
-      {R"({"status": {"fapNumCores": {"0": "two"}}})", "/status/fapNumCores/0: expected a number"},
-      {R"({"status": {"fapNumCores": {"0": 1.5}}})",
-       "/status/fapNumCores/0: expected an integer from 0 to 65535"},
-      {R"({"status": {"fapNumCores": {"0": -1}}})",
-       "/status/fapNumCores/0: expected an integer from 0 to 65535"},
-      {R"({"status": {"fapNumCores": {"2047": 1}}})",
-       "/status/fapNumCores/2047: expected a key from 0 to 2046"},
-      {R"({"status": {"fapNumCores": {"01": 1}}})", "/status/fapNumCores/01: expected a key from 0 to 2046"},
-      {R"({"status": {"fapNumCores": {"": 1}}})", "/status/fapNumCores/: expected a key from 0 to 2046"},
+  for (const auto& [path, value, error] : misplaced) {
+    EXPECT_EQ(stateError(stateWith(path, Json::parse(value)).dump()), line("s.json: %s: %s", path, error));
+  }
+  const std::pair<const char*, const char*> texts[] = {
       {R"({"status": {"fapNumCores": {"1": 1, "1": 1}}})", "/status/fapNumCores/1: repeated key"},
       {R"({"status": {"fapNumCores": {}, "fapNumCores": {}}})", "/status/fapNumCores: repeated member"},
-      {R"({"status": {"fapIdToName": {"0": 1}}})", "/status/fapIdToName/0: expected a string"},
-      {R"({"status": {"fapIdToName": {"0": "a\u0000"}}})",
-       "/status/fapIdToName/0: a name cannot hold U+0000"},
-      {R"({"status": {"fapRevision": {"0": {"minor": 1}}}})", "/status/fapRevision/0/minor: unknown member"},
-      {R"({"status": {"sppidToIntfId": {"1": "a"}}})",
-       "/status/sppidToIntfId/1: expected a key from 2 to 32767"},
-      {R"({"status": {"intfIdToSppid": {"Et1/1": 32768}}})",
-       "/status/intfIdToSppid/Et1~11: expected an integer from 2 to 32767"},
-      {R"({"status": {"portMap": {"2": {"fapPortId": 257}}}})",
-       "/status/portMap/2/fapPortId: expected an integer from 0 to 256"},
-      {R"({"status": {"portMap": {"2": {"fapId": 2048}}}})",
-       "/status/portMap/2/fapId: expected an integer from 0 to 2047"},
-      {R"({"status": {"portMap": {"2": {"coreId": 7}}}})",
-       "/status/portMap/2/coreId: expected an integer from 0 to 6"},
-      {R"({"status": {"portMap": {"2": {"intfId": "a"}}}})", "/status/portMap/2/intfId: unknown member"},
       {R"({"status": {"portMapToIntfId": [{"fapId": 1}, {"fapId": 1, "intfId": "x"}]}})",
        "/status/portMapToIntfId/1: repeated entry of this FAP, core and port"},
-      {R"({"status": {"recircPort": [{"recircType": 1}]}})",
-       "/status/recircPort/0: expected a systemPhyPortId"},
       {R"({"status": {"recircPort": [{"systemPhyPortId": 3}, {"systemPhyPortId": 4}]}})",
        "/status/recircPort/1: repeated entry of this recircType and id"},
-      {R"({"status": {"olpPort": {"65536": 3}}})", "/status/olpPort/65536: expected a key from 0 to 65535"},
-      {R"({"status": {"cpuRecircEnabled": 1}})", "/status/cpuRecircEnabled: expected true or false"},
-      {R"({"status": {"subIntfNumVoqs": 9}})", "/status/subIntfNumVoqs: expected an integer from 0 to 8"},
-      {R"({"status": []})", "/status: expected an object"},
       {R"({"interfaces": ["a", "b", "a"]})", "/interfaces/2: repeated entry"},
       {R"({"interfaces": ["a", ""]})", "/interfaces/1: expected an interface name"},
-      {R"({"interfaces": {}})", "/interfaces: expected an array"},
       {R"({"tmMapping": {"portTmMap": [3, 4, 3]}})", "/tmMapping/portTmMap/2: repeated entry"},
-      {R"({"tmMapping": {"other": []}})", "/tmMapping/other: unknown member"},
-      {R"({"fabricMcastVoq": {"min": 3}})", "/fabricMcastVoq: expected both min and max"},
-      {R"({"fabricMcastVoq": {"min": 3, "max": 2}})", "/fabricMcastVoq: expected a max from min to min + 7"},
-      {R"({"fabricMcastVoq": {"min": 3, "max": 11}})", "/fabricMcastVoq: expected a max from min to min + 7"},
-      {R"({"counters": {"ingress": [{"fapId": 2047}]}})",
-       "/counters/ingress/0/fapId: expected an integer from 0 to 2046"},
       {R"({"counters": {"ingress": [{"intfId": "a"}, {"intfId": "b"}, {"intfId": "a"}]}})",
        "/counters/ingress/2: repeated entry of this FAP, core and interface"},
-      {R"({"counters": {"egress": {"a": {"queues": [[1, 2, 3]]}}}})",
-       "/counters/egress/a/queues/0: expected four counts"},
       {R"({"counters": {"egress": {"a": {"total": [1, 2, 3, 18446744073709551616]}}}})",
        "/counters/egress/a/total/3: expected an integer from 0 to 18446744073709551615"},
-      {R"({"counters": {"egress": {"a": {"ambiguousTcs": []}}}})",
-       "/counters/egress/a/ambiguousTcs: unknown member"},
-      {R"({"counters": {"egressTm": {"a": {"ambiguousTcs": [4]}}}})",
-       "/counters/egressTm/a/ambiguousTcs/0: expected an integer from 0 to 3"},
-      {R"({"counters": {"egressAcl": {"a": 9223372036854775808}}})",
-       "/counters/egressAcl/a: expected an integer from 0 to 9223372036854775807"},
-      {R"({"counters": {"egressMtu": {"1": {"totalPackets": "x"}}}})",
-       "/counters/egressMtu/1/totalPackets: expected a number"},
-      {R"({"debug": {"faps": {"F": {"directory": {"blocks": {"b": {"c": {"fields": {"f": {"offset": null}}}}}}}}}})",
-       "/debug/faps/F/directory/blocks/b/c/fields/f/offset: expected a number"},
-      {R"({"debug": {"faps": {"F": {"snapshots": {"s": [{"firstUpdate": "x"}]}}}}})",
-       "/debug/faps/F/snapshots/s/0/firstUpdate: expected a number"},
       {R"({"debug": {"faps": {"F": {}, "F": {}}}})", "/debug/faps/F: repeated key"},
-      {R"({"colour": 1})", "/colour: unknown member"},
       {R"({"status": {"a\nb": 1}})", "/status/a?b: unknown member"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(stateError(c.text), std::string("s.json: ") + c.error);
-  EXPECT_EQ(stateError("[]"), "s.json: expected an object");
+      {"[]", "expected an object"},
+      {"", "the file is empty"}};
+  for (const auto& [text, error] : texts) EXPECT_EQ(stateError(text), std::string("s.json: ") + error);
   EXPECT_EQ(stateError("{}"), "");
 }
 
 TEST(StateFile, RefusesMoreQueuesThanARecordHolds) {
-  for (const auto& [kind, capacity] :
-       std::map<std::string, std::size_t>{{"egress", 8}, {"egressTm", 8}, {"egressLag", 16}}) {
-    const Json queue = kind == "egress" ? zeros() : Json::object();
-    EXPECT_EQ(stateError(Json{{"counters", {{kind, {{"a", {{"queues", Json(capacity, queue)}}}}}}}}.dump()),
-              "");
-    EXPECT_EQ(
-        stateError(Json{{"counters", {{kind, {{"a", {{"queues", Json(capacity + 1, queue)}}}}}}}}.dump()),
-        "s.json: /counters/" + kind + "/a/queues: expected at most " + std::to_string(capacity) + " queues");
+  const std::tuple<const char*, std::size_t, Json> records[] = {
+      {"/counters/ingress/0/queues", 80, zeros()},
+      {"/counters/egress/a/queues", 8, zeros()},
+      {"/counters/egressTm/a/queues", 8, Json::object()},
+      {"/counters/egressLag/a/queues", 16, Json::object()}};
+  for (const auto& [path, capacity, queue] : records) {
+    EXPECT_EQ(stateError(stateWith(path, Json(capacity, queue)).dump()), "");
+    EXPECT_EQ(stateError(stateWith(path, Json(capacity + 1, queue)).dump()),
+              line("s.json: %s: expected at most %zu queues", path, capacity));
   }
-  const auto ingress = [](std::size_t queues) {
-    return stateError(Json{{"counters", {{"ingress", {{{"queues", Json(queues, zeros())}}}}}}}.dump());
-  };
-  EXPECT_EQ(ingress(80), "");
-  EXPECT_EQ(ingress(81), "s.json: /counters/ingress/0/queues: expected at most 80 queues");
 }
 
 TEST(StateFile, SurvivesNonsense) {
   const auto isSyntaxError = testing::AllOf(
       testing::StartsWith("s.json: parse error at line 1"), testing::Not(testing::HasSubstr("\n")),
       testing::ResultOf([](const std::string& s) { return s.size(); }, testing::Lt(300U)));
-  EXPECT_EQ(stateError(""), "s.json: the file is empty");
   EXPECT_EQ(stateError({"{}\0{", 4}), "s.json: a NUL byte where JSON was expected");
   EXPECT_THAT(stateError("{} {}"), isSyntaxError);
   EXPECT_THAT(stateError("{\"a\": " + std::string(100'000, '[')), isSyntaxError);
@@ -151,11 +138,7 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
     }
     return names;
   };
-  struct Case {
-    std::vector<std::string> arguments;
-    const char* selected;
-  };
-  const Case cases[] = {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{"Et1/2", "ethernet1/1,PO1"}, "Ethernet1/2 Ethernet1/1 Port-Channel1"},
       {{"et1/1-3", "et1/2"}, "Ethernet1/1 Ethernet1/2 Ethernet1/3 Ethernet1/2"},
       {{"Port-Channel1-1"}, "Port-Channel1"},
@@ -186,7 +169,7 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
       {{"Et1/1-2-3"}, "no such interface \"Et1/1-2\" of \"Et1/1-2-3\""},
       {{"-1"}, "no such interface \"-1\""},
   };
-  for (const Case& c : cases) EXPECT_EQ(selected(c.arguments), c.selected);
+  for (const auto& [arguments, names] : cases) EXPECT_EQ(selected(arguments), names);
   EXPECT_EQ(loamshow::selectInterfaces(interfaces, {}), interfaces);
 }
 

@@ -34,40 +34,35 @@ TEST(Labels, FapCoresAndDestinationTypes) {
 }
 
 TEST(NaturalOrder, ComparesAsPeopleRead) {
-  struct Case {
-    const char* a;
-    const char* b;
-    bool less;     // a before b
-    bool greater;  // b before a
+  enum Order { before, behind, neither };
+  const std::tuple<const char*, const char*, Order> cases[] = {
+      {"", "", neither},
+      {"", "a", before},
+      {"x9", "x10", before},
+      {"x3", "X3", neither},
+      {"x007", "x7", neither},
+      {"x007a", "x7b", before},
+      {"a  b", "a b", neither},
+      {"a ", "a  ", neither},
+      {"a", "a ", before},
+      {"  a", " b", before},
+      {"B", "a", behind},
+      {"Z", "[", behind},         // '[' is below 'z'
+      {"z", "\xc3\xa4", before},  // bytes are unsigned
+      {"1.5", "1.50", neither},
+      {"1.50", "1.5x", before},
+      {"1.05", "1.5", before},
+      {"1.10", "1.9", before},  // a fraction: 0.10 < 0.9
+      {"1.1", "1.1001", before},
+      {"v1.2", "v1.", behind},
+      {"18446744073709551616", "18446744073709551617", before},
+      {"9", "18446744073709551616", before},
+      {"a1b", "a1", behind},
+      {"a-1", "a1", before},
   };
-  const Case cases[] = {
-      {"", "", false, false},
-      {"", "a", true, false},
-      {"x9", "x10", true, false},
-      {"x3", "X3", false, false},
-      {"x007", "x7", false, false},
-      {"x007a", "x7b", true, false},
-      {"a  b", "a b", false, false},
-      {"a ", "a  ", false, false},
-      {"a", "a ", true, false},
-      {"  a", " b", true, false},
-      {"B", "a", false, true},
-      {"Z", "[", false, true},         // '[' is below 'z'
-      {"z", "\xc3\xa4", true, false},  // bytes are unsigned
-      {"1.5", "1.50", false, false},
-      {"1.50", "1.5x", true, false},
-      {"1.05", "1.5", true, false},
-      {"1.10", "1.9", true, false},  // a fraction: 0.10 < 0.9
-      {"1.1", "1.1001", true, false},
-      {"v1.2", "v1.", false, true},
-      {"18446744073709551616", "18446744073709551617", true, false},
-      {"9", "18446744073709551616", true, false},
-      {"a1b", "a1", false, true},
-      {"a-1", "a1", true, false},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(naturalCompare(c.a, c.b), c.less) << '"' << c.a << "\" before \"" << c.b << '"';
-    EXPECT_EQ(naturalCompare(c.b, c.a), c.greater) << '"' << c.b << "\" before \"" << c.a << '"';
+  for (const auto& [a, b, order] : cases) {
+    EXPECT_EQ(naturalCompare(a, b), order == before) << '"' << a << "\" before \"" << b << '"';
+    EXPECT_EQ(naturalCompare(b, a), order == behind) << '"' << b << "\" before \"" << a << '"';
   }
 }
 

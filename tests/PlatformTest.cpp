@@ -62,31 +62,24 @@ TEST(Mote, RQueueKeepsOrderAcrossBlocks) {
 }
 
 TEST(Vane, IdentifiersNameThemselvesInTheirErrors) {
-  const auto text = [](auto make) {
+  using namespace Hardware::Loam;
+  const std::tuple<std::function<void()>, std::string, const char*> cases[] = {
+      {[] { SystemPhyPortId(1); }, "Hardware::Loam::SystemPhyPortId", "null"},
+      {[] { SystemPhyPortId(32768); }, "Hardware::Loam::SystemPhyPortId", "null"},
+      {[] { SystemPhyPortId(65536 + 34); }, "Hardware::Loam::SystemPhyPortId", "null"},
+      {[] { ++LocalCoreId(6); }, "Hardware::Loam::LocalCoreId", "null"},
+      {[] { LoamCounters::EgressCounter().quad(32); }, "LoamCounters::EgressCounterIndex", "max"},
+      {[] { LoamCounters::EgressTmCounter().quad(61); }, "LoamCounters::EgressTmCounterIndex", "max"}};
+  for (const auto& [make, type, most] : cases) {
     try {
       make();
-      return std::string("no error");
+      ADD_FAILURE() << type;
     } catch (const Vane::RangeException& error) {
-      return std::string(error.what());
+      EXPECT_EQ(error.what(),
+                type + "::value < " + type + "::min or > " + type + "::" + most + " not allowed");
     }
-  };
-  using namespace Hardware::Loam;
-  const std::string port =
-      "Hardware::Loam::SystemPhyPortId::value < Hardware::Loam::SystemPhyPortId::min or > "
-      "Hardware::Loam::SystemPhyPortId::null not allowed";
-  EXPECT_EQ(text([] { SystemPhyPortId(1); }), port);
-  EXPECT_EQ(text([] { SystemPhyPortId(32768); }), port);
-  EXPECT_EQ(text([] { SystemPhyPortId(65536 + 34); }), port);
-  EXPECT_EQ(text([] { SystemPhyPortId(32767); }), "no error");
-  EXPECT_EQ(text([] { ++LocalCoreId(6); }),
-            "Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
-            "Hardware::Loam::LocalCoreId::null not allowed");
-  EXPECT_EQ(text([] { LoamCounters::EgressCounter().quad(32); }),
-            "LoamCounters::EgressCounterIndex::value < LoamCounters::EgressCounterIndex::min or > "
-            "LoamCounters::EgressCounterIndex::max not allowed");
-  EXPECT_EQ(text([] { LoamCounters::EgressTmCounter().quad(61); }),
-            "LoamCounters::EgressTmCounterIndex::value < LoamCounters::EgressTmCounterIndex::min or > "
-            "LoamCounters::EgressTmCounterIndex::max not allowed");
+  }
+  EXPECT_NO_THROW(SystemPhyPortId(32767));
 }
 
 TEST(Vane, OrderedMapsMayChangeDuringAWalk) {
@@ -139,44 +132,37 @@ TEST(Vane, DenseMapsHoldWhatMapsHold) {
 
 TEST(Vane, VersionsMoveWithEveryChange) {
   Vane::HashMap<int, int> map;
-  std::vector<U32> versions = {map.version()};
-  const auto note = [&] { versions.push_back(map.version()); };
+  EXPECT_EQ(map.version(), 0U);
   map.set(1, 1);
-  note();
+  EXPECT_EQ(map.version(), 1U);
   map.set(1, 2);
-  note();
+  EXPECT_EQ(map.version(), 2U);
   map.remove(1);
-  note();
-  map.remove(1);
-  EXPECT_EQ(map.version(), versions.back()) << "nothing changed";
-  EXPECT_THAT(versions, ElementsAre(0, 1, 2, 3));
+  map.remove(1);  // changes nothing
+  EXPECT_EQ(map.version(), 3U);
 }
 
 TEST(Nexo, NamesAndKinds) {
   using Kind = Nexo::IntfId::Kind;
-  struct Case {
-    const char* name;
-    const char* shortName;
-    Kind kind;
-  };
-  const Case cases[] = {{"Ethernet1/2", "Et1/2", Kind::ethernet},
-                        {"Ethernet1/2.100", "Et1/2.100", Kind::subInterface},
-                        {"Ethernet1.", "Et1.", Kind::ethernet},
-                        {"Ethernet", "Et", Kind::other},
-                        {"EthernetX1", "EtX1", Kind::other},
-                        {"ethernet1", "ethernet1", Kind::other},
-                        {"Port-Channel7", "Po7", Kind::portChannel},
-                        {"Port-Channel7.1", "Po7.1", Kind::subInterface},
-                        {"Port-Channel", "Po", Kind::other},
-                        {".5", ".5", Kind::subInterface},
-                        {"5", "5", Kind::other},
-                        {"MyEthernet1", "MyEthernet1", Kind::other}};
-  for (const Case& c : cases) {
-    const Nexo::IntfId intf(c.name);
-    EXPECT_EQ(intf.stringValue(), c.name);
-    EXPECT_EQ(intf.shortName(), c.shortName) << c.name;
-    EXPECT_EQ(intf.kind(), c.kind) << c.name;
-    EXPECT_EQ(intf, Nexo::IntfId(std::string(c.name)));
+  const std::tuple<const char*, const char*, Kind> cases[] = {
+      {"Ethernet1/2", "Et1/2", Kind::ethernet},
+      {"Ethernet1/2.100", "Et1/2.100", Kind::subInterface},
+      {"Ethernet1.", "Et1.", Kind::ethernet},
+      {"Ethernet", "Et", Kind::other},
+      {"EthernetX1", "EtX1", Kind::other},
+      {"ethernet1", "ethernet1", Kind::other},
+      {"Port-Channel7", "Po7", Kind::portChannel},
+      {"Port-Channel7.1", "Po7.1", Kind::subInterface},
+      {"Port-Channel", "Po", Kind::other},
+      {".5", ".5", Kind::subInterface},
+      {"5", "5", Kind::other},
+      {"MyEthernet1", "MyEthernet1", Kind::other}};
+  for (const auto& [name, shortName, kind] : cases) {
+    const Nexo::IntfId intf(name);
+    EXPECT_EQ(intf.stringValue(), name);
+    EXPECT_EQ(intf.shortName(), shortName) << name;
+    EXPECT_EQ(intf.kind(), kind) << name;
+    EXPECT_EQ(intf, Nexo::IntfId(std::string(name)));
   }
   EXPECT_EQ(Nexo::IntfId(""), Nexo::IntfId());
   EXPECT_NE(Nexo::IntfId("a"), Nexo::IntfId());
@@ -195,17 +181,17 @@ TEST(Threads, AgreeOnInterfaceIds) {
 }
 
 TEST(Keel, TimesAsText) {
-  const auto text = [](double utc) { return Keel::utcTimestampString(Vane::Seconds(utc)); };
-  EXPECT_EQ(text(0), "1970-01-01 00:00:00");
-  EXPECT_EQ(text(-0.5), "1969-12-31 23:59:59");
-  EXPECT_EQ(text(951782399.9), "2000-02-28 23:59:59");
-  EXPECT_EQ(text(951782400), "2000-02-29 00:00:00");
-  EXPECT_EQ(text(-62167219200), "0000-01-01 00:00:00");
-  EXPECT_EQ(text(-62167219200.5), "invalid");
-  EXPECT_EQ(text(253402300799.5), "9999-12-31 23:59:59");
-  EXPECT_EQ(text(253402300800), "invalid");
-  EXPECT_EQ(text(std::nan("")), "invalid");
-  EXPECT_EQ(text(-HUGE_VAL), "invalid");
+  const std::pair<double, const char*> cases[] = {{0, "1970-01-01 00:00:00"},
+                                                  {-0.5, "1969-12-31 23:59:59"},
+                                                  {951782399.9, "2000-02-28 23:59:59"},
+                                                  {951782400, "2000-02-29 00:00:00"},
+                                                  {-62167219200, "0000-01-01 00:00:00"},
+                                                  {-62167219200.5, "invalid"},
+                                                  {253402300799.5, "9999-12-31 23:59:59"},
+                                                  {253402300800, "invalid"},
+                                                  {std::nan(""), "invalid"},
+                                                  {-HUGE_VAL, "invalid"}};
+  for (const auto& [utc, text] : cases) EXPECT_EQ(Keel::utcTimestampString(Vane::Seconds(utc)), text);
   EXPECT_EQ(Keel::MaybeU63(-7).stringValue(), "");
   EXPECT_EQ(Keel::MaybeU63(0).stringValue(), "0");
 }

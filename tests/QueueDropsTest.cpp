@@ -6,21 +6,16 @@ namespace loamtest {
 
 namespace {
 
+using testing::HasSubstr;
+
 const char* const sources[] = {"A.0", "A.1", "B"};
 
-std::string row(const std::string& label, const Json& q) {
-  return line("%-15s %7s %17llu %17llu %17llu %17llu\n", label.c_str(), "", q[0].get<unsigned long long>(),
-              q[1].get<unsigned long long>(), q[2].get<unsigned long long>(), q[3].get<unsigned long long>());
+std::string row(const std::string& label, const Json& quad) {
+  return line("%-15s %7s ", label.c_str(), "") + columns(17, quad);
 }
 
 std::string titles(const std::string& name, const std::string& label) {
   return line("%-15s %7s %17s %17s %17s %17s\n", name.c_str(), label.c_str(), "", "", "", "");
-}
-
-std::string head() {
-  return line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
-              "DropOctets") +
-         std::string(95, '-') + "\n";
 }
 
 std::string egressRowsOf(const Json& ucast, const Json& mcast) {
@@ -51,7 +46,7 @@ Json um(U64 kind, U64 intf, U64 t, U64 destType) {
 }
 
 TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
-  std::string expected = head();
+  std::string expected = dropsHead();
   Json json;
   const auto trafficClass = [&](const char* longName, const char* shortName, const std::string& label,
                                 U64 intf, U64 t, const std::string& egressText, const Json& egress) {
@@ -64,10 +59,11 @@ TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
                  egressJsonOf(um(0, 1, t, 0), zeros()));
   }
   const char* subIntfLabels[] = {"TC0-1", "TC2-3", "TC4-5", "TC6-7"};
-  for (U64 t = 0; t < 4; ++t)
+  for (U64 t = 0; t < 4; ++t) {
     trafficClass("Ethernet1.5", "Et1.5", subIntfLabels[t], 2, t, "", Json::object());
-  for (U64 t = 0; t < 8;
-       ++t) {  // queue mode: traffic classes 1 and 5 share a counter, which follows the others
+  }
+  // Queue mode: traffic classes 1 and 5 share a counter, which follows the others.
+  for (U64 t = 0; t < 8; ++t) {
     const bool shared = t == 1 || t == 5;
     trafficClass("Ethernet3", "Et3", "TC" + std::to_string(t), 3, t,
                  shared ? "" : egressRowsOf(um(1, 3, t, 0), um(1, 3, t, 1)),
@@ -108,9 +104,8 @@ TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInBothModes) {
   const std::string text = answer(state, {"drops", "Et3"});
   const std::string port = egressRowsOf(quad(50), zeros());
   const std::string queue = egressRowsOf(um(1, 3, 0, 0), um(1, 3, 0, 1));
-  EXPECT_NE(text.find(ingressRowsOf(3, 0) + port + queue), std::string::npos);
-  EXPECT_NE(text.find(ingressRowsOf(3, 1) + egressRowsOf(zeros(), zeros()) + titles("Et3", "TC2")),
-            std::string::npos);
+  EXPECT_THAT(text, HasSubstr(ingressRowsOf(3, 0) + port + queue));
+  EXPECT_THAT(text, HasSubstr(ingressRowsOf(3, 1) + egressRowsOf(zeros(), zeros()) + titles("Et3", "TC2")));
 }
 
 TEST(QueueDrops, ASubInterfaceHasNoEgressPart) {
@@ -127,9 +122,7 @@ TEST(QueueDrops, LongLabelsShiftTheirRow) {
   state["status"]["fapIdToName"] = {{"7", "Quarterdeck42"}};
   state["status"]["subIntfNumVoqs"] = 0;
   const Json count = quad(ingressBase(1, 2, 0));
-  EXPECT_NE(answer(state, {"drops", "et1"})
-                .find(line(" - Quarterdeck42         %17llu", count[0].get<unsigned long long>())),
-            std::string::npos);
+  EXPECT_THAT(answer(state, {"drops", "et1"}), HasSubstr(" - Quarterdeck42         " + columns(17, count)));
   EXPECT_EQ(answer(state, {"drops", "et1.5", "-j"}),
             "{\"interfaces\":{\"Ethernet1.5\":{\"trafficClasses\":{}}}}\n");
 }

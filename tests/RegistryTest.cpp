@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <regex>
+
 #include "LoamCounters/DebugCountersPrinter/DescriptorMappings.h"
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
@@ -18,11 +20,11 @@ using Vane::OpStatus;
 using Vane::Value;
 
 std::vector<Value> printerArguments(bool skeinMountMode) {
-  return {Hardware::Loam::Status::PtrConst(Mote::make<Hardware::Loam::Status>()),
-          LoamTm::TmMapping::PtrConst(Mote::make<LoamTm::TmMapping>()),
-          Hardware::Loam::InternalLagClientStatus::PtrConst(),
-          TrafficClassMapping::PtrConst(),
-          Hardware::Loam::CounterEngineStatus::PtrConst(),
+  return {Mote::make<Hardware::Loam::Status>(),
+          Mote::make<LoamTm::TmMapping>(),
+          Mote::make<Hardware::Loam::InternalLagClientStatus>(),
+          Mote::make<TrafficClassMapping>(),
+          Mote::make<Hardware::Loam::CounterEngineStatus>(),
           Mote::make<Cortex::EntityManager>(),
           skeinMountMode};
 }
@@ -31,116 +33,113 @@ Mote::Ptr<Mote::Node> make(std::string_view type, const std::vector<Value>& argu
   return Vane::findType(type)->instance(arguments);
 }
 
+/// The result of a request of the generic attribute interface by the attribute's name.
+Value requested(const Mote::Ptr<Mote::Node>& object, const char* attribute, OpCode op,
+                const std::vector<Value>& arguments = {}, const Value& value = {}) {
+  Value result;
+  const U32 number = object->typeData()->type().numberOf(attribute).value();
+  Vane::genericIfAttributeOp(*object, result, number, static_cast<U8>(op), arguments, value);
+  return result;
+}
+
 // The numbers, names, types and flags that callers rely on.
 TEST(Registry, HoldsWhatCallersRelyOn) {
-  const Json registry = Json::parse(loamshow::registryJson());
-  std::map<std::string, Json> modules;
-  for (const Json& module : registry["modules"]) modules[module["unit"]] = module;
-  ASSERT_EQ(modules.size(), 2U);
-  EXPECT_EQ(modules["LoamCounters/QueueCountersPrinter"]["symbol"],
-            "_QueueCountersPrinter_824cd50bdcbaefe2_vaneModule");
-  EXPECT_EQ(modules["LoamCounters/DebugCountersPrinter"]["symbol"],
-            "_DebugCountersPrinter_7b5872ac678f736f_vaneModule");
-
-  std::vector<std::string> attributes;
-  for (const auto& [unit, module] : modules) {
-    for (const Json& type : module["types"]) {
-      const auto name = type["name"].get<std::string>().substr(14);
-      attributes.push_back(std::to_string(type["index"].get<int>()) + " " + name);
-      for (const Json& attribute : type.value("attributes", Json::array())) {
-        std::string flags;
-        for (const Json& flag : attribute["flags"]) flags += " " + flag.get<std::string>();
-        std::string parameters;
-        for (const Json& parameter : attribute.value("parameters", Json::array())) {
-          parameters +=
-              " " + parameter["name"].get<std::string>() + ":" + parameter["type"].get<std::string>();
-        }
-        attributes.push_back(std::to_string(attribute["number"].get<int>()) + " " +
-                             attribute["name"].get<std::string>() + " " +
-                             attribute["type"].get<std::string>() + flags + parameters);
-      }
-    }
+  std::string expected = R"(
+Module LoamCounters/DebugCountersPrinter symbol _DebugCountersPrinter_7b5872ac678f736f_vaneModule
+uses Brim/Counters/ShmemManager uses LoamCounters/FapDescriptor
+0 LC::FapDescriptorMapping entity
+  130 fapDescriptor: LC::FapDescriptor::PtrConst pointer writable collection
+1 LC::ShmemMgrMapping entity
+  130 shmemMgr: BC::ShmemManager::PtrConst pointer writable collection
+2 LC::DebugCountersPrinter entity
+  130 printDebugCounter(FORMAT, descriptor: BC::CounterDescriptor::PtrConst, snapshot: Mote::String,
+      shmemMgr: BC::ShmemManager::PtrConst, drops: bool, printSectionName: bool, blockName: Mote::String,
+      instance: U32, extraDescription: Mote::String): bool operation const
+  131 printFapName(FORMAT, fapName: Mote::String): void operation const
+  132 printDebugCountersHeader(FORMAT): void operation const
+  133 printDebugCountersPerAFap(shmemMgrs: LC::ShmemMgrMapping::PtrConst,
+      fapDescriptors: LC::FapDescriptorMapping::PtrConst, FORMAT, snapshot: Mote::String, drops: bool,
+      blockName: Vane::Optional<Mote::String>): void operation const
+Module LoamCounters/QueueCountersPrinter symbol _QueueCountersPrinter_824cd50bdcbaefe2_vaneModule
+uses Nexo/IntfId uses LoamCounters/CounterEngine uses Hardware/Loam/InternalLag uses Hardware/Loam/Status
+uses LoamCounters/VoqCounters uses LoamCounters/EgressAclCountersAccessor
+0 LC::SpecialIngressIntfOrdering enumeration
+  0 ingressIntfOlp 1 ingressIntfErp 2 ingressIntfL3Flood 3 ingressIntfRoutingRecirc
+  4 ingressIntfSharedRecirc 5 ingressIntfPlr 6 ingressIntfCpuRecirc 7 ingressIntfFabricMeshSwitch
+  8 ingressIntfSflowAccel 9 ingressIntfIpsec 10 ingressIntfEventor
+1 LC::SpecialEgressIntfOrdering enumeration
+  0 egressIntfOlp 1 egressIntfErp 2 egressIntfL3Flood 3 egressIntfRoutingRecirc 4 egressIntfSharedRecirc
+  5 egressIntfPlr 6 egressIntfCpuRecirc 7 egressIntfFabricMeshDrop 8 egressIntfSflowAccel
+  9 egressIntfIpsec 10 egressIntfEventor
+2 LC::OrderedSystemPhyPortId entity
+  130 systemPhyPortId: bool value writable collection
+3 LC::IntfList entity
+  131 intf: Nexo::IntfId value writable queue
+4 LC::AllIntfList entity
+  130 intfList: LC::IntfList::Ptr pointer writable
+  131 specialIngressIntfList: LC::IntfList::Ptr pointer writable collection
+  132 specialEgressIntfList: LC::IntfList::Ptr pointer writable collection
+5 LC::TcContainer entity (intfId: Nexo::IntfId)
+  130 intfId: Nexo::IntfId value readOnly
+  131 tc: LC::IngressCounter value writable collection
+6 LC::InterfaceTcContainer entity
+  130 tcPerIntf(intfId: Nexo::IntfId): LC::TcContainer::Ptr pointer readOnly collection instantiating
+7 LC::CountersPrinter entity (SOURCES, ENGINE, MANAGER, skeinMountMode: bool)
+  130 loamStatus: HL::Status::PtrConst pointer readOnly
+  131 tmMapping: LoamTm::TmMapping::PtrConst pointer readOnly
+  132 internalLagStatus: HL::InternalLagClientStatus::PtrConst pointer readOnly
+  133 trafficClassMapping: LC::TrafficClassMapping::PtrConst pointer readOnly
+  134 ENGINE pointer readOnly
+  135 MANAGER pointer readOnly
+  136 skeinMountMode: bool value readOnly
+  137 fapCounterAccessor(SOURCES, MANAGER, skeinMountMode: bool): LC::CounterEngineAccessor::Ptr
+      pointer readOnly instantiating
+  138 egressAclCountersAccessor(loamStatus: HL::Status::PtrConst, ENGINE, MANAGER, isMountModeWriter: bool):
+      LC::EgressAclCountersAccessor::Ptr pointer readOnly instantiating
+  139 showInterfacesQueueCounters(FORMAT, INTFS, internal: bool, detail: bool): void operation const
+  140 showInterfacesQueueIngressCounters(FORMAT, INTFS, internal: bool, detail: bool): void operation const
+  141 showCpuQueueCounters(FORMAT, summary: bool, perInputPortCoppVoqsSupported: bool): void operation const
+  142 showInterfacesQueueDropsCounters(FORMAT, INTFS): void operation const
+  143 showInterfacesEgressAclDropCounters(FORMAT, INTFS): void operation
+  144 showInterfacesEgressMtuCounters(FORMAT): void operation)";
+  const std::pair<const char*, const char*> abbreviations[] = {
+      {"SOURCES",
+       "loamStatus: HL::Status::PtrConst, tmMapping: LoamTm::TmMapping::PtrConst, internalLagStatus: "
+       "HL::InternalLagClientStatus::PtrConst, trafficClassMapping: LC::TrafficClassMapping::PtrConst"},
+      {"ENGINE", "counterEngineStatus: HL::CounterEngineStatus::PtrConst"},
+      {"MANAGER", "entityManager: Cortex::EntityManager::Ptr"},
+      {"FORMAT", "fd: U32, fmt: U32"},
+      {"INTFS", "intfList: LC::IntfList::PtrConst"},
+      {"LC::", "LoamCounters::"},
+      {"HL::", "Hardware::Loam::"},
+      {"BC::", "Brim::Counters::"}};
+  for (const auto& [brief, full] : abbreviations) {
+    expected = std::regex_replace(expected, std::regex(brief), full);
   }
-  const std::string sources =
-      " loamStatus:Hardware::Loam::Status::PtrConst tmMapping:LoamTm::TmMapping::PtrConst"
-      " internalLagStatus:Hardware::Loam::InternalLagClientStatus::PtrConst"
-      " trafficClassMapping:LoamCounters::TrafficClassMapping::PtrConst";
-  const std::string intfList = " fd:U32 fmt:U32 intfList:LoamCounters::IntfList::PtrConst";
-  EXPECT_THAT(
-      attributes,
-      ElementsAre(
-          "0 FapDescriptorMapping",
-          "130 fapDescriptor LoamCounters::FapDescriptor::PtrConst pointer writable collection",
-          "1 ShmemMgrMapping",
-          "130 shmemMgr Brim::Counters::ShmemManager::PtrConst pointer writable collection",
-          "2 DebugCountersPrinter",
-          "130 printDebugCounter bool operation const fd:U32 fmt:U32"
-          " descriptor:Brim::Counters::CounterDescriptor::PtrConst snapshot:Mote::String"
-          " shmemMgr:Brim::Counters::ShmemManager::PtrConst drops:bool printSectionName:bool "
-          "blockName:Mote::String"
-          " instance:U32 extraDescription:Mote::String",
-          "131 printFapName void operation const fd:U32 fmt:U32 fapName:Mote::String",
-          "132 printDebugCountersHeader void operation const fd:U32 fmt:U32",
-          "133 printDebugCountersPerAFap void operation const "
-          "shmemMgrs:LoamCounters::ShmemMgrMapping::PtrConst"
-          " fapDescriptors:LoamCounters::FapDescriptorMapping::PtrConst fd:U32 fmt:U32 snapshot:Mote::String "
-          "drops:bool"
-          " blockName:Vane::Optional<Mote::String>",
-          "0 SpecialIngressIntfOrdering", "1 SpecialEgressIntfOrdering", "2 OrderedSystemPhyPortId",
-          "130 systemPhyPortId bool value writable collection", "3 IntfList",
-          "131 intf Nexo::IntfId value writable queue", "4 AllIntfList",
-          "130 intfList LoamCounters::IntfList::Ptr pointer writable",
-          "131 specialIngressIntfList LoamCounters::IntfList::Ptr pointer writable collection",
-          "132 specialEgressIntfList LoamCounters::IntfList::Ptr pointer writable collection",
-          "5 TcContainer", "130 intfId Nexo::IntfId value readOnly",
-          "131 tc LoamCounters::IngressCounter value writable collection", "6 InterfaceTcContainer",
-          "130 tcPerIntf LoamCounters::TcContainer::Ptr pointer readOnly collection instantiating "
-          "intfId:Nexo::IntfId",
-          "7 CountersPrinter", "130 loamStatus Hardware::Loam::Status::PtrConst pointer readOnly",
-          "131 tmMapping LoamTm::TmMapping::PtrConst pointer readOnly",
-          "132 internalLagStatus Hardware::Loam::InternalLagClientStatus::PtrConst pointer readOnly",
-          "133 trafficClassMapping LoamCounters::TrafficClassMapping::PtrConst pointer readOnly",
-          "134 counterEngineStatus Hardware::Loam::CounterEngineStatus::PtrConst pointer readOnly",
-          "135 entityManager Cortex::EntityManager::Ptr pointer readOnly",
-          "136 skeinMountMode bool value readOnly",
-          "137 fapCounterAccessor LoamCounters::CounterEngineAccessor::Ptr pointer readOnly instantiating" +
-              sources + " entityManager:Cortex::EntityManager::Ptr skeinMountMode:bool",
-          "138 egressAclCountersAccessor LoamCounters::EgressAclCountersAccessor::Ptr pointer readOnly "
-          "instantiating"
-          " loamStatus:Hardware::Loam::Status::PtrConst"
-          " counterEngineStatus:Hardware::Loam::CounterEngineStatus::PtrConst"
-          " entityManager:Cortex::EntityManager::Ptr isMountModeWriter:bool",
-          "139 showInterfacesQueueCounters void operation const" + intfList + " internal:bool detail:bool",
-          "140 showInterfacesQueueIngressCounters void operation const" + intfList +
-              " internal:bool detail:bool",
-          "141 showCpuQueueCounters void operation const fd:U32 fmt:U32 summary:bool "
-          "perInputPortCoppVoqsSupported:bool",
-          "142 showInterfacesQueueDropsCounters void operation const" + intfList,
-          "143 showInterfacesEgressAclDropCounters void operation" + intfList,
-          "144 showInterfacesEgressMtuCounters void operation fd:U32 fmt:U32"));
+  const std::string listing = loamshow::registryListing();
+  EXPECT_THAT(words(listing), testing::ContainerEq(words(expected)));
 
-  const Json& orderings = modules["LoamCounters/QueueCountersPrinter"]["types"];
-  const auto names = [](const Json& items) {
-    std::string joined;
-    for (const Json& item : items) joined += item["name"].get<std::string>() + " ";
-    return joined;
+  // The JSON holds the same, in another order.
+  const auto sorted = [](const std::string& text, const char* separators) {
+    std::vector<std::string> all = words(std::regex_replace(text, std::regex(separators), " "));
+    std::sort(all.begin(), all.end());
+    return all;
   };
-  EXPECT_EQ(orderings[0]["values"][5], Json({{"value", 5}, {"name", "ingressIntfPlr"}}));
-  EXPECT_EQ(names(orderings[0]["values"]),
-            "ingressIntfOlp ingressIntfErp ingressIntfL3Flood ingressIntfRoutingRecirc "
-            "ingressIntfSharedRecirc ingressIntfPlr "
-            "ingressIntfCpuRecirc ingressIntfFabricMeshSwitch ingressIntfSflowAccel ingressIntfIpsec "
-            "ingressIntfEventor ");
-  EXPECT_EQ(
-      names(orderings[1]["values"]),
-      "egressIntfOlp egressIntfErp egressIntfL3Flood egressIntfRoutingRecirc egressIntfSharedRecirc "
-      "egressIntfPlr "
-      "egressIntfCpuRecirc egressIntfFabricMeshDrop egressIntfSflowAccel egressIntfIpsec egressIntfEventor ");
-  EXPECT_EQ(names(orderings[7]["constructor"]),
-            "loamStatus tmMapping internalLagStatus trafficClassMapping counterEngineStatus entityManager "
-            "skeinMountMode ");
-  EXPECT_EQ(orderings[5]["constructor"], Json({{{"name", "intfId"}, {"type", "Nexo::IntfId"}}}));
-  EXPECT_EQ(orderings[3].contains("constructor"), false);
+  const Json json = Json::parse(loamshow::registryJson());
+  std::string leaves;
+  for (const Json flat = json.flatten(); const Json& leaf : flat) {
+    leaves += (leaf.is_string() ? leaf.get<std::string>() : leaf.dump()) + " ";
+  }
+  EXPECT_EQ(sorted(leaves, " "), sorted(listing, "[(),]|: |Module |symbol |uses "));
+  EXPECT_EQ(json["modules"][0]["symbol"], "_DebugCountersPrinter_7b5872ac678f736f_vaneModule");
+  EXPECT_EQ(json["modules"][1]["unit"], "LoamCounters/QueueCountersPrinter");
+  const Json& types = json["modules"][1]["types"];
+  EXPECT_EQ(types[0]["values"][5].dump(), R"({"value":5,"name":"ingressIntfPlr"})");
+  EXPECT_EQ(types[5]["constructor"].dump(), R"([{"name":"intfId","type":"Nexo::IntfId"}])");
+  EXPECT_EQ(types[6]["attributes"][0].dump(),
+            R"({"number":130,"name":"tcPerIntf","type":"LoamCounters::TcContainer::Ptr",)"
+            R"("flags":["pointer","readOnly","collection","instantiating"],)"
+            R"("parameters":[{"name":"intfId","type":"Nexo::IntfId"}]})");
 }
 
 // Per kind of attribute, the op codes that it takes, with well-formed arguments.
@@ -188,80 +187,59 @@ TEST(Registry, AnswersAStatusForEveryOpCode) {
 
 TEST(Registry, AccessorsAreTheSameForTheSameArguments) {
   const std::vector<Value> arguments = printerArguments(false);
+  const std::vector<Value> others = printerArguments(true);
   const auto printer = make("LoamCounters::CountersPrinter", arguments);
-  using Accessor = CounterEngineAccessor::Ptr;
-  Value result;
-  request(*printer, "fapCounterAccessor", OpCode::read, {}, result);
-  const Accessor held = result.as<Accessor>();
-  ASSERT_NE(held, nullptr);
-  request(*printer, "egressAclCountersAccessor", OpCode::read, {}, result);
-  const auto heldAcl = result.as<Mote::Ptr<const Mote::Node>>();
-
-  // Each argument replaced by another one of its type makes another accessor.
-  const std::vector<Value> others = {Mote::make<Hardware::Loam::Status>(),
-                                     Mote::make<LoamTm::TmMapping>(),
-                                     Mote::make<Hardware::Loam::InternalLagClientStatus>(),
-                                     Mote::make<TrafficClassMapping>(),
-                                     Mote::make<Hardware::Loam::CounterEngineStatus>(),
-                                     Mote::make<Cortex::EntityManager>(),
-                                     true};
-  const auto expectIdentity = [&](const char* attribute, Mote::Ptr<const Mote::Node> last,
-                                  std::initializer_list<std::size_t> taken) {
+  const auto expectIdentity = [&](const char* attribute, std::initializer_list<std::size_t> taken) {
+    const auto answered = [&](OpCode op, const std::vector<Value>& sources = {}) {
+      return requested(printer, attribute, op, sources).as<Mote::Ptr<const Mote::Node>>();
+    };
+    auto last = answered(OpCode::read);
+    ASSERT_NE(last, nullptr);
     std::vector<Value> sources;
     for (const std::size_t i : taken) sources.push_back(arguments[i]);
-    const auto instantiate = [&] {
-      request(*printer, attribute, OpCode::write, sources, result);
-      return result.as<Mote::Ptr<const Mote::Node>>();
-    };
-    EXPECT_EQ(instantiate(), last) << attribute;
+    EXPECT_EQ(answered(OpCode::write, sources), last) << attribute;
     for (std::size_t i = 0; i < sources.size(); ++i) {
       sources[i] = others[taken.begin()[i]];
-      const auto other = instantiate();
+      const auto other = answered(OpCode::write, sources);
       EXPECT_NE(other, last) << attribute << " argument " << i;
-      EXPECT_EQ(instantiate(), other);
+      EXPECT_EQ(answered(OpCode::write, sources), other);
       last = other;
     }
+    EXPECT_EQ(answered(OpCode::read), last);
+    EXPECT_EQ(answered(OpCode::del), last);
+    EXPECT_EQ(answered(OpCode::read), nullptr);
   };
-  expectIdentity("fapCounterAccessor", held, {0, 1, 2, 3, 5, 6});
-  expectIdentity("egressAclCountersAccessor", heldAcl, {0, 4, 5, 6});
-  request(*printer, "fapCounterAccessor", OpCode::read, {}, result);
-  const Accessor last = result.as<Accessor>();
-  request(*printer, "fapCounterAccessor", OpCode::del, {}, result);
-  EXPECT_EQ(result.as<Accessor>(), last);
-  request(*printer, "fapCounterAccessor", OpCode::read, {}, result);
-  EXPECT_EQ(result.as<Accessor>(), nullptr);
-  request(*printer, "skeinMountMode", OpCode::read, {}, result);
-  EXPECT_FALSE(result.as<bool>());
+  expectIdentity("fapCounterAccessor", {0, 1, 2, 3, 5, 6});
+  expectIdentity("egressAclCountersAccessor", {0, 4, 5, 6});
+  EXPECT_FALSE(requested(printer, "skeinMountMode", OpCode::read).as<bool>());
 }
 
 TEST(Registry, MistypedArgumentsAreExceptions) {
   const auto printer = make("LoamCounters::CountersPrinter", printerArguments(false));
   const auto list = make("LoamCounters::IntfList");
-  Value result;
-  const auto raised = [&](Mote::Node& object, const char* attribute, OpCode op, std::vector<Value> arguments,
-                          Value value = {}) {
+  const auto lists = make("LoamCounters::AllIntfList");
+  const auto raised = [&](const Mote::Ptr<Mote::Node>& object, const char* attribute, OpCode op,
+                          const std::vector<Value>& arguments, const Value& value = {}) -> std::string {
     try {
-      request(object, attribute, op, arguments, result, value);
+      requested(object, attribute, op, arguments, value);
     } catch (const Vane::InternalException& error) {
-      return std::string(error.what());
+      return error.what();
     }
-    return std::string();
+    return "";
   };
-  EXPECT_EQ(raised(*printer, "showInterfacesEgressMtuCounters", OpCode::call, {U32{1}}),
+  EXPECT_EQ(raised(printer, "showInterfacesEgressMtuCounters", OpCode::call, {U32{1}}),
             "showInterfacesEgressMtuCounters: expected 2 arguments, got 1");
-  EXPECT_EQ(raised(*printer, "showInterfacesQueueDropsCounters", OpCode::call, {U32{1}, U32{1}, printer}),
+  EXPECT_EQ(raised(printer, "showInterfacesQueueDropsCounters", OpCode::call, {U32{1}, U32{1}, printer}),
             "showInterfacesQueueDropsCounters: argument 3: expected LoamCounters::IntfList::PtrConst, got "
             "Mote::Node::Ptr");
-  EXPECT_EQ(raised(*printer, "showCpuQueueCounters", OpCode::call, {true, U32{1}, true, true}),
+  EXPECT_EQ(raised(printer, "showCpuQueueCounters", OpCode::call, {true, U32{1}, true, true}),
             "showCpuQueueCounters: argument 1: expected U32, got bool");
-  EXPECT_EQ(raised(*list, "intf", OpCode::enqueue, {}, U32{7}), "expected Nexo::IntfId, got U32");
-  EXPECT_EQ(raised(*list, "intf", OpCode::enqueue, {}), "expected Nexo::IntfId, got nothing");
-  const auto lists = make("LoamCounters::AllIntfList");
-  EXPECT_EQ(raised(*lists, "intfList", OpCode::write, {}, IntfList::PtrConst(intfListFactory())),
+  EXPECT_EQ(raised(list, "intf", OpCode::enqueue, {}, U32{7}), "expected Nexo::IntfId, got U32");
+  EXPECT_EQ(raised(list, "intf", OpCode::enqueue, {}), "expected Nexo::IntfId, got nothing");
+  EXPECT_EQ(raised(lists, "intfList", OpCode::write, {}, IntfList::PtrConst(intfListFactory())),
             "expected LoamCounters::IntfList::Ptr, got LoamCounters::IntfList::PtrConst");
-  EXPECT_THROW(request(*lists, "specialIngressIntfList", OpCode::read, {U8{11}}, result),
-               Vane::RangeException);
-  EXPECT_EQ(raised(*lists, "specialIngressIntfList", OpCode::read, {SpecialEgressIntfOrdering{}}),
+  EXPECT_THROW(requested(lists, "specialIngressIntfList", OpCode::read, {U8{11}}), Vane::RangeException);
+  EXPECT_EQ(raised(lists, "specialIngressIntfList", OpCode::read, {SpecialEgressIntfOrdering{}}),
             "specialIngressIntfList: argument 1: expected LoamCounters::SpecialIngressIntfOrdering, got "
             "LoamCounters::SpecialEgressIntfOrdering");
   EXPECT_THROW(make("LoamCounters::TcContainer", {U32{1}}), Vane::InternalException);
@@ -269,17 +247,9 @@ TEST(Registry, MistypedArgumentsAreExceptions) {
 
 TEST(Registry, CursorsWalkEveryCollection) {
   const auto ports = make("LoamCounters::OrderedSystemPhyPortId");
-  const auto containers = make("LoamCounters::InterfaceTcContainer");
-  const auto list = make("LoamCounters::IntfList");
-  Value result;
   using Port = Hardware::Loam::SystemPhyPortId;
   for (const U64 port : {300, 12, 300, 40}) {
-    request(*ports, "systemPhyPortId", OpCode::write, {Port(port)}, result, true);
-  }
-  for (const char* name : {"b", "a", "c"}) {
-    request(*containers, "tcPerIntf", OpCode::write, {Nexo::IntfId(name)}, result);
-    EXPECT_EQ(result.as<TcContainer::Ptr>()->intfId(), Nexo::IntfId(name));
-    request(*list, "intf", OpCode::enqueue, {}, result, Nexo::IntfId(name));
+    requested(ports, "systemPhyPortId", OpCode::write, {Port(port)}, true);
   }
   std::vector<U64> keys;
   for (const auto at = Vane::genericIfCursor(*ports, 130); at->valid(); at->advance()) {
@@ -288,26 +258,29 @@ TEST(Registry, CursorsWalkEveryCollection) {
     if (keys.back() == 40) at->del();
   }
   EXPECT_THAT(keys, ElementsAre(12, 40, 300));
-  request(*ports, "systemPhyPortId", OpCode::count, {}, result);
-  EXPECT_EQ(result.as<U32>(), 2U);
+  EXPECT_EQ(requested(ports, "systemPhyPortId", OpCode::count).as<U32>(), 2U);
 
+  const auto containers = make("LoamCounters::InterfaceTcContainer");
+  const auto list = make("LoamCounters::IntfList");
+  for (const Nexo::IntfId intf : {Nexo::IntfId("b"), Nexo::IntfId("a"), Nexo::IntfId("c")}) {
+    const Value made = requested(containers, "tcPerIntf", OpCode::write, {intf});
+    EXPECT_EQ(made.as<TcContainer::Ptr>()->intfId(), intf);
+    requested(list, "intf", OpCode::enqueue, {}, intf);
+  }
   std::set<std::string> names;
   for (const auto at = Vane::genericIfCursor(*containers, 130); at->valid(); at->advance()) {
     names.insert(at->key().as<Nexo::IntfId>().stringValue().c_str());
     at->del();
   }
   EXPECT_THAT(names, ElementsAre("a", "b", "c"));
-  const auto answered = [&](OpCode op) {
-    request(*list, "intf", op, {}, result);
-    return result.as<Nexo::IntfId>();
-  };
-  EXPECT_EQ(answered(OpCode::front), Nexo::IntfId("b"));
-  EXPECT_EQ(answered(OpCode::back), Nexo::IntfId("c"));
+
+  EXPECT_EQ(requested(list, "intf", OpCode::front).as<Nexo::IntfId>(), Nexo::IntfId("b"));
+  EXPECT_EQ(requested(list, "intf", OpCode::back).as<Nexo::IntfId>(), Nexo::IntfId("c"));
   std::string queued;
   const auto at = Vane::genericIfCursor(*list, 131);
   for (; at->valid(); at->advance()) {
     queued += at->item().as<Nexo::IntfId>().stringValue();
-    request(*list, "intf", OpCode::dequeue, {}, result);
+    requested(list, "intf", OpCode::dequeue);
   }
   EXPECT_EQ(queued, "bac") << "what was queued when the walk began";
   EXPECT_EQ(Vane::genericIfCursor(*list, 130), nullptr);

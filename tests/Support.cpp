@@ -5,6 +5,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <iterator>
+#include <sstream>
 
 #include "loamshow/ShowCommands.h"
 #include "loamshow/StateFile.h"
@@ -20,6 +22,11 @@ std::string line(const char* format, ...) {
   std::string out(text, static_cast<std::size_t>(size));
   ::free(text);  // NOLINT(cppcoreguidelines-no-malloc)
   return out;
+}
+
+std::vector<std::string> words(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
 }
 
 Json quad(U64 base) {
@@ -127,13 +134,6 @@ std::string MemoryFile::content() const {
 
 std::string MemoryFile::path() const {
   return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_);
-}
-
-Vane::OpStatus request(Mote::Node& object, const char* attribute, Vane::OpCode op,
-                       const std::vector<Vane::Value>& arguments, Vane::Value& result,
-                       const Vane::Value& value) {
-  const U32 number = object.typeData()->type().numberOf(attribute).value();
-  return Vane::genericIfAttributeOp(object, result, number, static_cast<U8>(op), arguments, value);
 }
 
 }  // namespace loamtest

@@ -43,6 +43,9 @@ inline U64 egressBase(U64 kind, U64 intf, U64 t, U64 destType) {
   return 1'000'000 * (kind + 1) + intf * 100'000 + t * 100 + destType * 10;
 }
 
+/// What stands between the white space of a text.
+std::vector<std::string> words(const std::string& text);
+
 /// A command line such as {"queues", "-j"}.
 loamshow::CommandLine parsed(const std::vector<std::string>& arguments);
 /// The answer of a command line such as {"queues", "-j"} on a state, in this process. Raises what the program
@@ -67,10 +70,5 @@ class MemoryFile {
  private:
   int fd_;
 };
-
-/// A request of the generic attribute interface by the attribute's name.
-Vane::OpStatus request(Mote::Node& object, const char* attribute, Vane::OpCode op,
-                       const std::vector<Vane::Value>& arguments, Vane::Value& result,
-                       const Vane::Value& value = {});
 
 }  // namespace loamtest

@@ -21,14 +21,9 @@ void compare(const std::tuple<Raw...>& raw, const Value&... values) {
   loamfuzz::require(written == size && ours.text == std::string_view(theirs, static_cast<std::size_t>(size)));
 }
 
-template <tabula::FixedString... format, class Raw, class Value>
-void compareAll(Raw raw, const Value& value) {
-  (compare<format>(std::tuple(raw), value), ...);
-}
-
-template <tabula::FixedString... format, class Raw, class Value>
-void compareWide(U32 width, Raw raw, const Value& value) {
-  (compare<format>(std::tuple(static_cast<int>(width), raw), width, value), ...);
+template <tabula::FixedString... format, class... Raw, class... Value>
+void compareAll(const std::tuple<Raw...>& raw, const Value&... values) {
+  (compare<format>(raw, values...), ...);
 }
 
 }  // namespace
@@ -39,13 +34,18 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const U64 number = input.number(~U64{0}) >> input.number(64);
   const std::string text(input.text(100).c_str());
   const char* const raw = text.c_str();
-  compareAll<"%s", "<%%%-20s>", "%19s\n", "%-50s : ", "%.3s", "%-19.19s|", "%12.30s", "%-.19s\n">(raw, text);
-  compareWide<"%*s", "%-*s |", "100%% %*.5s">(width, raw, text);
-  const auto whole = static_cast<unsigned long long>(number);
+  const std::tuple wideRaw(static_cast<int>(width), raw);
+  compareAll<"%s", "<%%%-20s>", "%19s\n", "%-50s : ", "%.3s", "%-19.19s|", "%12.30s", "%-.19s\n">(
+      std::tuple(raw), text);
+  compareAll<"%*s", "%-*s |", "100%% %*.5s">(wideRaw, width, text);
+  const std::tuple whole(static_cast<unsigned long long>(number));
   compareAll<"%llu", "%7llu ", "%15llu", "%16llu", "%18llu\n", "%-17llu|", "%40llu">(whole, number);
-  compareWide<"%*llu", "%-*llu.">(width, whole, number);
-  compareAll<"%u", "%9u", "%-9u|", "%20u">(static_cast<unsigned>(number), static_cast<U32>(number));
-  compareAll<"%hu", "%4hu", "%-6hu|">(static_cast<unsigned short>(number), static_cast<U16>(number));
-  compareAll<"[%d]", "%12d", "%-12d|", "%20d">(static_cast<int>(number), static_cast<int>(number));
+  compareAll<"%*llu", "%-*llu.">(std::tuple_cat(std::tuple(static_cast<int>(width)), whole), width, number);
+  compareAll<"%u", "%9u", "%-9u|", "%20u">(std::tuple(static_cast<unsigned>(number)),
+                                           static_cast<U32>(number));
+  compareAll<"%hu", "%4hu", "%-6hu|">(std::tuple(static_cast<unsigned short>(number)),
+                                      static_cast<U16>(number));
+  compareAll<"[%d]", "%12d", "%-12d|", "%20d">(std::tuple(static_cast<int>(number)),
+                                               static_cast<int>(number));
   return 0;
 }

@@ -36,57 +36,53 @@ constexpr Fault faults[] = {
     {"interrupt after", 0, all, true, true},
 };
 
-/// The writes of one run.
+/// One run: its writes, and what came of them.
 struct Run {
+  const Command* command;
+  const Fault* fault;
+  std::size_t faultAt;  // counted from 1
   int fd = -1;
-  const Fault* fault = nullptr;
-  std::size_t faultAt = 0;  // counted from 1
-  std::vector<std::size_t> sizes;
-  std::string said;  // on standard output
-  const Command* command = nullptr;
+  std::vector<std::size_t> sizes = {};
+  std::string said = {};  // on standard output
+  std::string written = {};
+  std::string raised = {};
 };
 Run* running = nullptr;
 
-struct Outcome {
-  Run run;
-  std::string written;
-  std::string raised;
-};
-
-Outcome outcome(const Command& command, const Fault* fault, std::size_t faultAt) {
+Run ran(const Command& command, const Fault* fault, std::size_t faultAt) {
   const MemoryFile file;
-  Outcome outcome{{file.fd(), fault, faultAt, {}, {}, &command}, {}, {}};
-  running = &outcome.run;
+  Run run{&command, fault, faultAt, file.fd()};
+  running = &run;
   try {
     command.run(file.fdNumber());
   } catch (const std::exception& error) {
-    outcome.raised = error.what();
+    run.raised = error.what();
   }
   running = nullptr;
-  outcome.written = file.content();
-  return outcome;
+  run.written = file.content();
+  return run;
 }
 
 }  // namespace
 
 void expectEveryFaultHandled(const Command& command) {
-  const Outcome whole = outcome(command, nullptr, 0);
+  const Run whole = ran(command, nullptr, 0);
   EXPECT_EQ(whole.raised, command.raised) << command.name;
-  EXPECT_EQ(whole.run.sizes.size(), command.writes) << command.name;
+  EXPECT_EQ(whole.sizes.size(), command.writes) << command.name;
   std::size_t before = 0;
-  for (std::size_t at = 1; at <= whole.run.sizes.size(); ++at) {
-    const std::size_t size = whole.run.sizes[at - 1];
+  for (std::size_t at = 1; at <= whole.sizes.size(); ++at) {
+    const std::size_t size = whole.sizes[at - 1];
     for (const Fault& fault : faults) {
       SCOPED_TRACE(command.name + ", write " + std::to_string(at) + ": " + fault.name);
-      const bool whileRaising = !command.raised.empty() && at == whole.run.sizes.size();
+      const bool whileRaising = !command.raised.empty() && at == whole.sizes.size();
       if (whileRaising && fault.interrupts) continue;
-      const Outcome got = outcome(command, &fault, at);
+      const Run got = ran(command, &fault, at);
       const std::size_t taken = before + (fault.error == 0 ? std::min(fault.most, size) : 0);
       EXPECT_EQ(got.written, fault.isFinal ? whole.written.substr(0, taken) : whole.written);
       if (fault.isFinal) {
-        EXPECT_EQ(got.run.sizes.size(), at) << "nothing is written behind it";
+        EXPECT_EQ(got.sizes.size(), at) << "nothing is written behind it";
       }
-      EXPECT_EQ(got.run.said, fault.interrupts ? "exiting interrupted by user\n" : "");
+      EXPECT_EQ(got.said, fault.interrupts ? "exiting interrupted by user\n" : "");
       const bool fails = fault.isFinal && !fault.interrupts && !whileRaising;
       const std::string failure = "cannot write the answer: " + std::generic_category().message(fault.error);
       EXPECT_EQ(got.raised, fails ? failure : fault.interrupts ? "" : command.raised);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -31,6 +32,7 @@ class Program {
     argv.push_back(nullptr);
     pid_ = ::fork();
     if (pid_ != 0) return;
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is ended
     ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
     ::dup2(out, STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
@@ -40,18 +42,11 @@ class Program {
   }
 
   void signal(int number) const { ::kill(pid_, number); }
-  /// The exit status; -1 when it does not end within ten seconds, and 1000 + the signal that killed it.
+  /// The exit status, or 1000 + the signal that killed it.
   int status() const {
     int status = 0;
-    for (int i = 0; i < 1000; ++i) {
-      if (::waitpid(pid_, &status, WNOHANG) == pid_) {
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    signal(SIGKILL);
     ::waitpid(pid_, &status, 0);
-    return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
   }
 
  private:
@@ -93,16 +88,12 @@ struct Pipe {
   void closeEnd(int end) {
     if (ends[end] >= 0) ::close(std::exchange(ends[end], -1));
   }
-  int buffered() const {
-    int size = 0;
-    ::ioctl(ends[0], FIONREAD, &size);
-    return size;
-  }
   /// Waits until the pipe takes no more of what its writer has: its content has stopped growing.
   void awaitFull() const {
-    for (int last = -1; buffered() == 0 || buffered() != last;) {
-      last = buffered();
+    for (int size = 0, last = -1; size == 0 || size != last;) {
+      last = size;
       std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      ::ioctl(ends[0], FIONREAD, &size);
     }
   }
   std::string drain() {

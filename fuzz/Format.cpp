@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <tuple>
 
-#include "fuzz/Collector.h"
 #include "fuzz/Fuzz.h"
 
 namespace {

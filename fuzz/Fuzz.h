@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/Mote.h"
+#include "platform/tabula/Renderer.h"
 
 /// What libFuzzer calls, and Replay.cpp where there is no libFuzzer. Each target defines it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -39,6 +40,16 @@ class Input {
   }
 
   std::string_view rest_;
+};
+
+/// Collects what is printed.
+class Collector : public tabula::Renderer {
+ public:
+  explicit Collector(U32 format) : Renderer(format) {}
+  std::string text;
+
+ protected:
+  void take(std::string_view bytes) override { text += bytes; }
 };
 
 inline void require(bool holds) {

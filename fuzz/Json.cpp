@@ -2,7 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "fuzz/Collector.h"
 #include "fuzz/Fuzz.h"
 
 namespace {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "platform/Nexo.h"
 #include "tests/AnswerParts.h"
 
 namespace loamtest {
@@ -18,60 +19,53 @@ std::string titles(const std::string& name, const std::string& label) {
   return line("%-15s %7s %17s %17s %17s %17s\n", name.c_str(), label.c_str(), "", "", "", "");
 }
 
-std::string egressRowsOf(const Json& ucast, const Json& mcast) {
-  return row(" Egress queue", plus(ucast, mcast)) + row(" - DP0-3 UC", ucast) + row(" - DP0-3 MC", mcast);
-}
+/// A part of a traffic class in both formats.
+struct Part {
+  std::string text;
+  Json json = Json::object();
+};
 
-Json egressJsonOf(const Json& ucast, const Json& mcast) {
+Part egress(const Json& ucast, const Json& mcast) {
   return {
-      {"countersSum", members(plus(ucast, mcast))},
-      {"dropPrecedences", {{"DP0-3", {{"ucastQueues", members(ucast)}, {"mcastQueues", members(mcast)}}}}}};
+      row(" Egress queue", plus(ucast, mcast)) + row(" - DP0-3 UC", ucast) + row(" - DP0-3 MC", mcast),
+      {{"countersSum", members(plus(ucast, mcast))},
+       {"dropPrecedences", {{"DP0-3", {{"ucastQueues", members(ucast)}, {"mcastQueues", members(mcast)}}}}}}};
 }
 
-/// The ingress part of a traffic class.
-std::string ingressRowsOf(U64 intf, U64 t) {
-  std::string text = row(" VOQ", ingressSum(intf, t));
-  for (U64 s = 0; s < 3; ++s) text += row(std::string(" - ") + sources[s], quad(ingressBase(intf, s, t)));
-  return text;
+Part portMode(U64 t) {  // has no multicast
+  return egress(quad(egressBase(0, 1, t, 0)), zeros());
 }
 
-Json ingressJsonOf(U64 intf, U64 t) {
-  Json json{{"countersSum", members(ingressSum(intf, t))}};
-  for (U64 s = 0; s < 3; ++s) json["sources"][sources[s]] = members(quad(ingressBase(intf, s, t)));
-  return json;
+Part queueMode(U64 t) {
+  return egress(quad(egressBase(1, 3, t, 0)), quad(egressBase(1, 3, t, 1)));
 }
 
-Json um(U64 kind, U64 intf, U64 t, U64 destType) {
-  return quad(egressBase(kind, intf, t, destType));
+Part ingress(U64 intf, U64 t) {
+  Part part{row(" VOQ", ingressSum(intf, t)), {{"countersSum", members(ingressSum(intf, t))}}};
+  for (U64 s = 0; s < 3; ++s) {
+    const Json counts = quad(ingressBase(intf, s, t));
+    part.text += row(std::string(" - ") + sources[s], counts);
+    part.json["sources"][sources[s]] = members(counts);
+  }
+  return part;
 }
 
 TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
   std::string expected = dropsHead();
   Json json;
-  const auto trafficClass = [&](const char* longName, const char* shortName, const std::string& label,
-                                U64 intf, U64 t, const std::string& egressText, const Json& egress) {
-    expected += titles(shortName, label) + ingressRowsOf(intf, t) + egressText;
-    json["interfaces"][longName]["trafficClasses"][label] = {{"ingressVoqCounters", ingressJsonOf(intf, t)},
-                                                             {"egressQueueCounters", egress}};
+  const auto trafficClass = [&](const char* name, const std::string& label, U64 intf, U64 t,
+                                const Part& egress) {
+    expected += titles(Nexo::IntfId(name).shortName().c_str(), label) + ingress(intf, t).text + egress.text;
+    json["interfaces"][name]["trafficClasses"][label] = {{"ingressVoqCounters", ingress(intf, t).json},
+                                                         {"egressQueueCounters", egress.json}};
   };
-  for (U64 t = 0; t < 8; ++t) {  // port mode: no multicast
-    trafficClass("Ethernet1", "Et1", "TC" + std::to_string(t), 1, t, egressRowsOf(um(0, 1, t, 0), zeros()),
-                 egressJsonOf(um(0, 1, t, 0), zeros()));
-  }
+  for (U64 t = 0; t < 8; ++t) trafficClass("Ethernet1", tcs()[t], 1, t, portMode(t));
   const char* subIntfLabels[] = {"TC0-1", "TC2-3", "TC4-5", "TC6-7"};
-  for (U64 t = 0; t < 4; ++t) {
-    trafficClass("Ethernet1.5", "Et1.5", subIntfLabels[t], 2, t, "", Json::object());
-  }
+  for (U64 t = 0; t < 4; ++t) trafficClass("Ethernet1.5", subIntfLabels[t], 2, t, {});
   // Queue mode: traffic classes 1 and 5 share a counter, which follows the others.
-  for (U64 t = 0; t < 8; ++t) {
-    const bool shared = t == 1 || t == 5;
-    trafficClass("Ethernet3", "Et3", "TC" + std::to_string(t), 3, t,
-                 shared ? "" : egressRowsOf(um(1, 3, t, 0), um(1, 3, t, 1)),
-                 shared ? Json::object() : egressJsonOf(um(1, 3, t, 0), um(1, 3, t, 1)));
-  }
-  expected += titles("Et3", "TC1,5") + egressRowsOf(um(1, 3, 1, 0), um(1, 3, 1, 1)) + "\n";
-  json["interfaces"]["Ethernet3"]["trafficClasses"]["TC1,5"]["egressQueueCounters"] =
-      egressJsonOf(um(1, 3, 1, 0), um(1, 3, 1, 1));
+  for (U64 t = 0; t < 8; ++t) trafficClass("Ethernet3", tcs()[t], 3, t, t % 4 == 1 ? Part() : queueMode(t));
+  expected += titles("Et3", "TC1,5") + queueMode(1).text + "\n";
+  json["interfaces"]["Ethernet3"]["trafficClasses"]["TC1,5"]["egressQueueCounters"] = queueMode(1).json;
   EXPECT_EQ(answer(smallSwitch(), {"drops"}), expected);
   EXPECT_EQ(answer(smallSwitch(), {"drops", "-j"}), json.dump() + "\n");
 }
@@ -102,10 +96,8 @@ TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInBothModes) {
   state["status"]["portMap"].erase("66");
   state["counters"]["egress"]["Ethernet3"]["queues"] = {quad(50)};
   const std::string text = answer(state, {"drops", "Et3"});
-  const std::string port = egressRowsOf(quad(50), zeros());
-  const std::string queue = egressRowsOf(um(1, 3, 0, 0), um(1, 3, 0, 1));
-  EXPECT_THAT(text, HasSubstr(ingressRowsOf(3, 0) + port + queue));
-  EXPECT_THAT(text, HasSubstr(ingressRowsOf(3, 1) + egressRowsOf(zeros(), zeros()) + titles("Et3", "TC2")));
+  EXPECT_THAT(text, HasSubstr(ingress(3, 0).text + egress(quad(50), zeros()).text + queueMode(0).text));
+  EXPECT_THAT(text, HasSubstr(ingress(3, 1).text + egress(zeros(), zeros()).text + titles("Et3", "TC2")));
 }
 
 TEST(QueueDrops, ASubInterfaceHasNoEgressPart) {

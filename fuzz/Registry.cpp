@@ -21,13 +21,14 @@ using Values = std::vector<Value>;
 
 /// A value of every type that crosses the interface.
 Values everyValue() {
+  static const Vane::Optional<Mote::String> noText;
   return {true,
           U8{1},
           U32{1},
           U32{2},
           Mote::String("Fap0"),
           Nexo::IntfId("Ethernet1"),
-          Vane::Optional<Mote::String>(),
+          noText,
           Hardware::Loam::SystemPhyPortId(64),
           Hardware::Loam::FapId(3),
           Value(),

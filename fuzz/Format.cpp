@@ -31,8 +31,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   loamfuzz::Input input(data, size);
   const U32 width = static_cast<U32>(input.number(100));
   const U64 number = input.number(~U64{0}) >> input.number(64);
-  const std::string text(input.text(100).c_str());
-  const char* const raw = text.c_str();
+  const std::string drawn = input.text(100);
+  const char* const raw = drawn.c_str();
+  const std::string text = raw;
   const std::tuple wideRaw(static_cast<int>(width), raw);
   compareAll<"%s", "<%%%-20s>", "%19s\n", "%-50s : ", "%.3s", "%-19.19s|", "%12.30s", "%-.19s\n">(
       std::tuple(raw), text);

@@ -146,8 +146,9 @@ TEST(CpuQueues, LabelsVoqsByInputPort) {
   const Json json = Json::parse(answer(cpuSwitch(), {"cpu", "--per-port", "-j"}))["ingressVoqs"]["sources"];
   const auto labels = [&](const char* source) {
     std::vector<std::string> names;
-    for (const auto& [label, row] : json[source]["cpuClasses"]["Alpha"]["ports"].items())
-      names.push_back(label);
+    for (const auto& port : json[source]["cpuClasses"]["Alpha"]["ports"].items()) {
+      names.push_back(port.key());
+    }
     return names;
   };
   // A core's ports count from 64 times its number, and the label of an unmapped one from 0.

@@ -127,7 +127,7 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
         "Et9", "Ethernet9", "x8", "x9", "x10", "y18446744073709551615", "y18446744073709551616"}) {
     interfaces.emplace_back(name);
   }
-  const auto selected = [&](std::vector<std::string> arguments) {
+  const auto selected = [&](const std::vector<std::string>& arguments) {
     std::string names;
     try {
       for (const Nexo::IntfId intf : loamshow::selectInterfaces(interfaces, arguments)) {

@@ -45,8 +45,8 @@ TEST(Printer, EscapesNamesAndValuesInJson) {
       {"\xc3\xa4\xf0\x9f\x98\x80", "ä😀"},
       // Broken: alone, overlong, surrogate, above the last, cut off.
       {"\x80|\xc0\xaf|\xed\xa0\x80|\xf4\x90\x80\x80|\xe2\x82", "�|��|���|����|�"}};
-  for (const auto& [raw, escaped] : cases) {
-    const std::string got = printed(json, [&](auto& printer) {
+  for (const auto& [given, escaped] : cases) {
+    const std::string got = printed(json, [&raw = given](auto& printer) {
       tabula::StringAttrInfo info(raw, printer);
       info.setValue(raw);
       printer.template addFrills<"heading %s\n">("x");
@@ -90,9 +90,9 @@ TEST(Printer, RefusesBrokenNesting) {
       {"startedOnce", {start, end, start}},
       {"isDescriptor", {start, noDescriptor}},
       {"hasValue", {noValue}}};
-  for (const auto& [message, calls] : cases) {
+  for (const auto& [message, steps] : cases) {
     EXPECT_DEATH(printed(json,
-                         [&](Printer& printer) {
+                         [&calls = steps](Printer& printer) {
                            for (const auto& call : calls) call(printer);
                          }),
                  message);

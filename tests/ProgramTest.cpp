@@ -34,7 +34,7 @@ class Program {
     if (pid_ != 0) return;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is ended
     ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
-    ::dup2(out, STDOUT_FILENO);
+    if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
     ::unsetenv("LOAM_STATE");
     ::execv(LOAMSHOW, argv.data());
@@ -204,6 +204,20 @@ TEST(Program, AnAnswerThatCannotBeWrittenIsAnError) {
   EXPECT_EQ(Program({"queues"}, full, err.fd()).status(), 1);
   EXPECT_EQ(err.content(), "loamshow: cannot write the answer: No space left on device\n");
   ::close(full);
+}
+
+TEST(Program, TracingNeverGetsInTheWay) {
+  const MemoryFile trace;
+  const MemoryFile err;
+  ::setenv("LOAM_TRACE", trace.path().c_str(), 1);
+  EXPECT_EQ(Program({"debug"}, -1, err.fd()).status(), 1) << "not into what took the place of its output";
+  EXPECT_EQ(err.content(), "loamshow: cannot write the answer: Bad file descriptor\n");
+  ::setenv("LOAM_TRACE", "/nowhere/trace", 1);
+  const Ran traced = run({"debug"});
+  ::unsetenv("LOAM_TRACE");
+  EXPECT_EQ(traced.err, "trace file /nowhere/trace: No such file or directory\n");
+  EXPECT_EQ(traced.out, run({"debug"}).out);
+  EXPECT_EQ(traced.status, 0);
 }
 
 TEST(Program, AReaderThatLeavesEndsItQuietly) {

@@ -81,7 +81,7 @@ TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
     if (record != nullptr) state["counters"][record][intf]["total"] = {1, 2, 1, 4};
     std::vector<std::string> names;
     const Json json = Json::parse(answer(state, {"drops", "-j"}));
-    for (const auto& [name, classes] : json["interfaces"].items()) names.push_back(name);
+    for (const auto& entry : json["interfaces"].items()) names.push_back(entry.key());
     return names;
   };
   EXPECT_THAT(shown(nullptr, ""), testing::IsEmpty());
@@ -91,13 +91,19 @@ TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
   EXPECT_THAT(shown("egressTm", "Ethernet3"), testing::ElementsAre("Ethernet3"));
 }
 
-TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInBothModes) {
+TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
   Json state = smallSwitch();
   state["status"]["portMap"].erase("66");
   state["counters"]["egress"]["Ethernet3"]["queues"] = {quad(50)};
   const std::string text = answer(state, {"drops", "Et3"});
-  EXPECT_THAT(text, HasSubstr(ingress(3, 0).text + egress(quad(50), zeros()).text + queueMode(0).text));
+  const std::string port = egress(quad(50), zeros()).text;
+  EXPECT_THAT(text, HasSubstr(ingress(3, 0).text + port + queueMode(0).text));
   EXPECT_THAT(text, HasSubstr(ingress(3, 1).text + egress(zeros(), zeros()).text + titles("Et3", "TC2")));
+  for (const auto& [major, egress] : {std::pair(1, port), std::pair(2, queueMode(0).text)}) {
+    state["status"]["fapRevision"] = {{"3", {{"major", major}}}};
+    EXPECT_THAT(answer(state, {"drops", "Et3"}),
+                HasSubstr(ingress(3, 0).text + egress + titles("Et3", "TC1")));
+  }
 }
 
 TEST(QueueDrops, ASubInterfaceHasNoEgressPart) {

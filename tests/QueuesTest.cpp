@@ -80,8 +80,9 @@ Json specialSwitch() {
   status["ipsecPort"] = {{"0", 331}, {"1", 340}};
   status["eventorPort"] = {{"7", 332}, {"3", 333}};
   status["sppidToIntfId"]["11"] = "P11";
-  for (int port = 301; port <= 333; ++port)
+  for (int port = 301; port <= 333; ++port) {
     status["sppidToIntfId"][std::to_string(port)] = "P" + std::to_string(port);
+  }
   return state;
 }
 

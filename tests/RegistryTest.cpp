@@ -240,7 +240,7 @@ TEST(Registry, MistypedArgumentsAreExceptions) {
 TEST(Registry, CursorsWalkEveryCollection) {
   const auto ports = make("LoamCounters::OrderedSystemPhyPortId");
   using Port = Hardware::Loam::SystemPhyPortId;
-  for (const U64 port : {300, 12, 300, 40}) {
+  for (const U64 port : {300U, 12U, 300U, 40U}) {
     requested(ports, "systemPhyPortId", OpCode::write, {Port(port)}, true);
   }
   std::vector<U64> keys;

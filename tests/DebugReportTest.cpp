@@ -158,7 +158,7 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   EXPECT_EQ(shown(5, 4, [](auto& directory) { directory.validIs(false); }), cut);
   const auto removeC2 = [](auto& directory) {
     const auto second = directory.blockToDescriptor.get("b2");
-    if (second != nullptr) const_cast<CounterBlockDescriptorPtrDir&>(*second).counterDescriptors.remove("c2");
+    if (second) const_cast<CounterBlockDescriptorPtrDir&>(*second).counterDescriptors.remove("c2");
   };
   const std::string shortened = title("F") + block(1) + "[B2]\n" + line1;
   EXPECT_EQ(shown(2, 3, removeC2), shortened + shortened);

@@ -39,6 +39,7 @@ TEST(NaturalOrder, ComparesAsPeopleRead) {
       {"", "", neither},
       {"", "a", before},
       {"x9", "x10", before},
+      {"12", "101", before},
       {"x3", "X3", neither},
       {"x007", "x7", neither},
       {"x007a", "x7b", before},

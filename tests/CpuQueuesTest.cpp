@@ -167,13 +167,7 @@ TEST(CpuQueues, Core5CountsItsPortsFromZero) {
   EXPECT_TRUE(json["A.5"]["cpuClasses"]["Zulu"]["ports"].contains("Et7"));
   EXPECT_TRUE(json["A.4"]["cpuClasses"]["Zulu"]["ports"].contains("Port0"));
   state["status"]["coppClassNumVoqs"] = 2;  // but port 257 is none
-  EXPECT_THAT(
-      [&] {
-        answer(state, {"cpu", "--per-port"});
-      },
-      testing::ThrowsMessage<Vane::RangeException>(
-          "Hardware::Loam::FapPortId::value < Hardware::Loam::FapPortId::min or > "
-          "Hardware::Loam::FapPortId::null not allowed"));
+  EXPECT_THROW(answer(state, {"cpu", "--per-port"}), Vane::RangeException);
 }
 
 TEST(CpuQueues, ClassesOfTheFirstSwitchThatHasAnyStay) {

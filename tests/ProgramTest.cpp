@@ -103,16 +103,13 @@ struct Pipe {
   int ends[2] = {-1, -1};
 };
 
-TEST(Program, AnswersOnTheSampleInBothFormats) {
+TEST(Program, AnswersOnTheSample) {
   for (const std::string command : {"queues", "queues --internal", "ingress --internal", "cpu",
                                     "cpu --summary", "cpu --per-port", "drops", "acl", "mtu", "registry"}) {
-    const Ran text = run(words(command));
-    EXPECT_EQ(text.status, 0) << text.err;
-    EXPECT_GT(text.out.size(), 200U);
-    const Ran json = run(words(command + " --json"));
-    EXPECT_EQ(json.status, 0) << json.err;
-    EXPECT_TRUE(Json::accept(json.out)) << command;
-    EXPECT_EQ(text.err + json.err, "");
+    const Ran ran = run(words(command));
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_GT(ran.out.size(), 200U);
+    EXPECT_EQ(ran.err, "");
   }
   EXPECT_THAT(run({"debug", "--drops"}).out, HasSubstr("[CGM]\n"));
 }

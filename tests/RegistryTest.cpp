@@ -131,12 +131,7 @@ uses LoamCounters/VoqCounters uses LoamCounters/EgressAclCountersAccessor
     leaves += (leaf.is_string() ? leaf.get<std::string>() : leaf.dump()) + " ";
   }
   EXPECT_EQ(sorted(leaves, " "), sorted(listing, "[(),]|: |Module |symbol |uses "));
-  EXPECT_EQ(json["modules"][0]["symbol"], "_DebugCountersPrinter_7b5872ac678f736f_vaneModule");
-  EXPECT_EQ(json["modules"][1]["unit"], "LoamCounters/QueueCountersPrinter");
-  const Json& types = json["modules"][1]["types"];
-  EXPECT_EQ(types[0]["values"][5].dump(), R"({"value":5,"name":"ingressIntfPlr"})");
-  EXPECT_EQ(types[5]["constructor"].dump(), R"([{"name":"intfId","type":"Nexo::IntfId"}])");
-  EXPECT_EQ(types[6]["attributes"][0].dump(),
+  EXPECT_EQ(json["modules"][1]["types"][6]["attributes"][0].dump(),
             R"({"number":130,"name":"tcPerIntf","type":"LoamCounters::TcContainer::Ptr",)"
             R"("flags":["pointer","readOnly","collection","instantiating"],)"
             R"("parameters":[{"name":"intfId","type":"Nexo::IntfId"}]})");

@@ -1,9 +1,7 @@
 #include "platform/Keel.h"
 
-#include <array>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <string>
 
 namespace Keel {
@@ -38,12 +36,18 @@ Mote::String utcTimestampString(Vane::Seconds utc) {
   const sys_days day = floor<days>(time);
   const year_month_day date(day);
   const hh_mm_ss clock(time - day);
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                static_cast<int>(clock.seconds().count()));
-  return text.data();
+  // By hand, since a debug report shows two or three times in every line.
+  std::string text = "0000-00-00 00:00:00";
+  const auto put = [&text](std::size_t at, auto value) {
+    for (; value != 0; value /= 10) text[--at] = static_cast<char>('0' + value % 10);
+  };
+  put(4, static_cast<int>(date.year()));
+  put(7, static_cast<unsigned>(date.month()));
+  put(10, static_cast<unsigned>(date.day()));
+  put(13, clock.hours().count());
+  put(16, clock.minutes().count());
+  put(19, clock.seconds().count());
+  return text;
 }
 
 }  // namespace Keel

@@ -33,6 +33,7 @@ Json debugSwitch() {
           "c9": {"displayName": "Named", "firstInstance": 4, "numInstances": 2, "offset": 4294967292},
           "f": {"numInstances": 2, "firstInstance": 1, "displayType": 0, "fields": {
             "a": {"order": 2, "offset": 2, "fetchType": 2, "isDropCounter": true},
+            "c": {"order": 2, "offset": 9, "fetchType": 2},
             "b": {"order": 1, "offset": 1, "fetchType": 3, "displayName": "First"}}},
           "none": {"numInstances": 0},
           "wraps": {"firstInstance": 4294967294, "numInstances": 2}
@@ -71,7 +72,8 @@ const std::string blockB9 =
     counterLine('*', "Named[5]", "18446744073709551615", "never", "1970-01-01 00:01:40",
                 "1970-01-01 00:01:45") +
     lineC10 + counterLine(' ', "First[1]", "5", "", "invalid") + fieldA1 +
-    counterLine(' ', "First[2]", "n/a", "", "never") + fieldA2;
+    counterLine(' ', "c[1]", "n/a", "", "never") + counterLine(' ', "First[2]", "n/a", "", "never") +
+    fieldA2 + counterLine(' ', "c[2]", "n/a", "", "never");
 const std::string blockB10 = "[B10]\n" + counterLine(' ', "Plain", "7", "1970-01-01 00:01:41",
                                                      "1970-01-01 00:02:41", "1970-01-01 00:01:41");
 const std::string lastFap = title("Fap10") + "FapDescriptors are not valid for: Fap10";

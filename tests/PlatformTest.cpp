@@ -16,8 +16,6 @@ namespace loamtest {
 
 namespace {
 
-using testing::ElementsAre;
-
 TEST(Mote, HandlesCountTheirUsers) {
   struct Thing : Mote::Node {
     explicit Thing(bool& ended) : gone(ended) {}

@@ -1,8 +1,7 @@
 #pragma once
 
-// The printf engine. A format is parsed once, at compile time where it is a literal, into pieces; one
-// function writes a piece. With a literal format everything but the arguments is constant where that function
-// is inlined, which leaves a few stores for a column.
+// The printf engine. A format is parsed at compile time into pieces; one function writes a piece. All but the
+// arguments is constant where that function is inlined, which leaves a few stores for a column.
 
 #include <algorithm>
 #include <array>
@@ -11,7 +10,6 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <vector>
 
 #include "platform/Mote.h"
 #include "platform/tabula/Digits.h"

@@ -17,7 +17,7 @@
 #include "bench/Rounds.h"
 #include "bench/Switch.h"
 #include "bench/Values.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/Keel.h"
 #include "platform/tabula.h"
 
@@ -137,7 +137,7 @@ struct DebugReport {
     descriptors->fapDescriptorIs("Fap0", descriptor);
     const ShmemWriter writer({{"Fap0", "current", values}});
     const auto region = Mote::make<Brim::Counters::ShmemRegion>(writer.fd(), "debug");
-    managers->shmemMgrIs("Fap0", Mote::make<ShmemManager>(region, "Fap0"));
+    managers->shmemMgrIs("Fap0", Mote::make<Brim::Counters::RegionShmemManager>(region, "Fap0"));
   }
   void print(int fd) const {
     debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, static_cast<U32>(fd),

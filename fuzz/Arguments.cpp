@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "loamshow/IntfArguments.h"
-#include "loamshow/JsonDocument.h"
+#include "loamshow/cli/IntfArguments.h"
+#include "loamshow/text/InputError.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::istringstream lines(std::string(data, data + size));

@@ -37,7 +37,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const auto attached = Mote::make<ShmemRegion>(fd, "R");
     for (const char* fap : {"F1", "F2", ""}) {
-      const auto manager = Mote::make<ShmemManager>(attached, fap);
+      const auto manager = Mote::make<RegionShmemManager>(attached, fap);
       for (const char* snapshot : {"now", "then", ""}) {
         for (const U32 index : {0U, 1U, 2U, 1000U, ~0U}) manager->counter(snapshot, index);
       }

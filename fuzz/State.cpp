@@ -7,10 +7,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Fuzz.h"
-#include "loamshow/CommandLine.h"
-#include "loamshow/JsonDocument.h"
-#include "loamshow/ShowCommands.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/cli/CommandLine.h"
+#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/StateFile.h"
+#include "loamshow/text/InputError.h"
 
 namespace {
 

@@ -8,14 +8,14 @@
 #include <iostream>
 #include <system_error>
 
-#include "loamshow/CommandLine.h"
-#include "loamshow/Interrupts.h"
-#include "loamshow/IntfArguments.h"
-#include "loamshow/JsonDocument.h"
-#include "loamshow/Plugin.h"
-#include "loamshow/RegistryReport.h"
-#include "loamshow/ShowCommands.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/cli/CommandLine.h"
+#include "loamshow/cli/IntfArguments.h"
+#include "loamshow/commands/Interrupts.h"
+#include "loamshow/commands/Plugin.h"
+#include "loamshow/commands/RegistryReport.h"
+#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/StateFile.h"
+#include "loamshow/text/InputError.h"
 #include "platform/tabula.h"
 
 namespace loamshow {
@@ -89,10 +89,7 @@ int complete(int argc, char** argv) {
 }
 
 int complain(int status, std::string_view problem) {
-  std::string line(problem);
-  std::replace_if(
-      line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
-  std::cerr << "loamshow: " << line << std::endl;
+  std::cerr << "loamshow: " << problem << std::endl;
   return status;
 }
 

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/tabula.h"
 #include "tests/AnswerParts.h"
 #include "tests/Faults.h"

@@ -6,9 +6,9 @@
 
 #include "LoamCounters/DebugCountersPrinter/DebugCountersPrinter.h"
 #include "LoamCounters/DebugCountersPrinter/FapReport.h"
-#include "loamshow/CommandLine.h"
-#include "loamshow/ShowCommands.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/cli/CommandLine.h"
+#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/tabula.h"
 #include "tests/Faults.h"
 #include "tests/Support.h"
@@ -116,10 +116,9 @@ ShmemRegion::PtrConst region(const ShmemWriter& writer) {
 }
 
 /// A manager that does something to its surroundings at its nth read.
-class Meddler : public ShmemManager {
+class Meddler : public MemoryShmemManager {
  public:
-  Meddler(int at, std::function<void()> meddle)
-      : ShmemManager(region(ShmemWriter({})), ""), at_(at), meddle_(std::move(meddle)) {}
+  Meddler(int at, std::function<void()> meddle) : at_(at), meddle_(std::move(meddle)) {}
   Counter counter(const Mote::String&, U32) const override {
     if (++reads_ == at_) meddle_();
     return {};
@@ -180,7 +179,7 @@ TEST(DebugReport, PiecesComposeABlock) {
   counter->numInstances = 2;
   counter->fetchType = 0;
   const Vane::Seconds nan(std::nan(""));
-  const auto manager = Mote::make<ShmemManager>(
+  const auto manager = Mote::make<RegionShmemManager>(
       region(ShmemWriter({{"F", "now", {Counter{.value = 3, .lastDiscontinuity = nan}}}})), "F");
   const MemoryFile file;
   const U32 fd = file.fdNumber();
@@ -256,7 +255,7 @@ TEST(Shmem, NeverReadsATornField) {
   };
   const Counter records[] = {record(0), record(0xffffffffffffffff)};
   ShmemWriter writer({{"F", "now", {records[0]}}});
-  const auto manager = Mote::make<ShmemManager>(region(writer), "F");
+  const auto manager = Mote::make<RegionShmemManager>(region(writer), "F");
   const std::jthread writing([&](const std::stop_token& stop) {
     for (U64 i = 0; !stop.stop_requested(); ++i) writer.counterIs(0, 0, records[i % 2]);
   });

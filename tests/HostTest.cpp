@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "loamshow/IntfArguments.h"
-#include "loamshow/JsonDocument.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/cli/IntfArguments.h"
+#include "loamshow/json/JsonDocument.h"
+#include "loamshow/state/StateFile.h"
 #include "tests/Support.h"
 
 namespace loamtest {

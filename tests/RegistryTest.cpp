@@ -6,8 +6,8 @@
 #include "LoamCounters/DebugCountersPrinter/DescriptorMappings.h"
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
-#include "loamshow/Plugin.h"
-#include "loamshow/RegistryReport.h"
+#include "loamshow/commands/Plugin.h"
+#include "loamshow/commands/RegistryReport.h"
 #include "tests/Support.h"
 
 namespace loamtest {

@@ -8,8 +8,8 @@
 #include <iterator>
 #include <sstream>
 
-#include "loamshow/ShowCommands.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/StateFile.h"
 
 namespace loamtest {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "loamshow/CommandLine.h"
+#include "loamshow/cli/CommandLine.h"
 #include "platform/Mote.h"
 #include "platform/Vane.h"
 

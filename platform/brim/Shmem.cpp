@@ -109,16 +109,25 @@ const ShmemRegion::Snapshots* ShmemRegion::snapshots(const Mote::String& fap) co
   return found == faps_.end() ? nullptr : &found->second;
 }
 
-ShmemManager::ShmemManager(ShmemRegion::PtrConst region, const Mote::String& fap)
+RegionShmemManager::RegionShmemManager(ShmemRegion::PtrConst region, const Mote::String& fap)
     : region_(std::move(region)), snapshots_(region_->snapshots(fap)) {
 }
 
-Counter ShmemManager::counter(const Mote::String& snapshot, U32 index) const {
+Counter RegionShmemManager::counter(const Mote::String& snapshot, U32 index) const {
   const std::span<RegionRecord>* records = snapshots_ == nullptr ? nullptr : snapshots_->find(snapshot);
   if (records == nullptr || index >= records->size()) return {};
   RegionRecord& record = (*records)[index];
   return {load(record.value), loadTime(record.firstUpdate), loadTime(record.lastUpdate),
           loadTime(record.lastDiscontinuity), load(record.overflow) != 0};
+}
+
+std::vector<ShmemManager::Snapshot> RegionShmemManager::snapshots() const {
+  std::vector<Snapshot> snapshots;
+  if (snapshots_ == nullptr) return snapshots;
+  for (const auto& [name, records] : *snapshots_) {
+    snapshots.push_back({name, static_cast<U32>(records.size())});
+  }
+  return snapshots;
 }
 
 ShmemWriter::ShmemWriter(const std::vector<Snapshot>& snapshots)

@@ -7,17 +7,9 @@
 
 #include "platform/Mote.h"
 #include "platform/Vane.h"
+#include "platform/brim/ShmemManager.h"
 
 namespace Brim::Counters {
-
-/// The record of one counter value. Times are the switch's; 0 means never.
-struct Counter {
-  U64 value = 0;
-  Vane::Seconds firstUpdate = {};
-  Vane::Seconds lastUpdate = {};
-  Vane::Seconds lastDiscontinuity = {};
-  bool overflow = false;
-};
 
 // A region of shared memory that holds the counter snapshots of FAPs, in the machine's byte order, every part
 // aligned to 8 bytes:
@@ -81,15 +73,12 @@ class ShmemRegion : public Mote::Node {
 };
 
 /// Reads the counters of one FAP from a region. Takes no lock.
-class ShmemManager : public Mote::Node {
+class RegionShmemManager : public ShmemManager {
  public:
-  using PtrConst = Mote::Ptr<const ShmemManager>;
-  static constexpr std::string_view vaneName = "Brim::Counters::ShmemManager";
+  RegionShmemManager(ShmemRegion::PtrConst region, const Mote::String& fap);
 
-  ShmemManager(ShmemRegion::PtrConst region, const Mote::String& fap);
-
-  /// The record at an index of a snapshot; an all-zero record when there is none.
-  virtual Counter counter(const Mote::String& snapshot, U32 index) const;
+  Counter counter(const Mote::String& snapshot, U32 index) const override;
+  std::vector<Snapshot> snapshots() const override;
 
  private:
   ShmemRegion::PtrConst region_;

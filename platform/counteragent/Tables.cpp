@@ -6,15 +6,11 @@ namespace LoamCounters {
 
 namespace {
 
-U32 sourceNumber(FapId fap, LocalCoreId core) {
-  return (U32{fap.value()} << 16U) | core.value();
-}
-
 /// Where a source is among the places, or where it belongs.
 template <class Places>
-auto placeOf(Places& places, U32 number) {
-  return std::lower_bound(places.begin(), places.end(), number,
-                          [](const auto& place, U32 wanted) { return place.source < wanted; });
+auto placeOf(Places& places, RecordTables::Source source) {
+  return std::lower_bound(places.begin(), places.end(), source,
+                          [](const auto& place, auto wanted) { return place.source < wanted; });
 }
 
 }  // namespace
@@ -22,19 +18,28 @@ auto placeOf(Places& places, U32 number) {
 bool MemoryCounterTables::ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf,
                                     const IngressTcCounter& counter) {
   Sources& sources = ingress_[intf];
-  const U32 number = sourceNumber(fap, core);
-  const auto at = placeOf(sources.places, number);
-  if (at != sources.places.end() && at->source == number) return false;
+  const Source source{fap, core};
+  const auto at = placeOf(sources.places, source);
+  if (at != sources.places.end() && at->source == source) return false;
   const std::span<const IngressCounter> queues = counter.queues();
   sources.places.insert(
-      at, {number, static_cast<U32>(sources.counters.size()), static_cast<U32>(1 + queues.size())});
+      at, {source, static_cast<U32>(sources.counters.size()), static_cast<U32>(1 + queues.size())});
   sources.counters.push_back(counter.total);
   sources.counters.insert(sources.counters.end(), queues.begin(), queues.end());
 
   sources.sum.resize(std::max(sources.sum.size(), 1 + queues.size()));
   sources.sum[0] += counter.total;
   for (std::size_t i = 0; i < queues.size(); ++i) sources.sum[1 + i] += queues[i];
+  order_.push_back({source, intf});
   return true;
+}
+
+std::vector<RecordTables::Source> MemoryCounterTables::ingressSources(Nexo::IntfId intf) const {
+  std::vector<Source> found;
+  const Sources* sources = ingress_.find(intf);
+  if (sources == nullptr) return found;
+  for (const Sources::Place& place : sources->places) found.push_back(place.source);
+  return found;
 }
 
 std::span<const IngressCounter> MemoryCounterTables::findIngress(FapId fap, LocalCoreId core,
@@ -42,9 +47,9 @@ std::span<const IngressCounter> MemoryCounterTables::findIngress(FapId fap, Loca
   const Sources* sources = ingress_.find(intf);
   if (sources == nullptr) return {};
   if (fap.isNull() && core == Hardware::Loam::aggregateCore) return sources->sum;
-  const U32 number = sourceNumber(fap, core);
-  const auto at = placeOf(sources->places, number);
-  if (at == sources->places.end() || at->source != number) return {};
+  const Source source{fap, core};
+  const auto at = placeOf(sources->places, source);
+  if (at == sources->places.end() || at->source != source) return {};
   return {&sources->counters[at->begin], at->size};
 }
 

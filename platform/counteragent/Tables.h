@@ -25,8 +25,38 @@ class CounterTables : public Mote::Node {
   virtual Keel::MaybeU63 egressMtuTotalCounter(FapId fap) const = 0;
 };
 
+/// Tables that list the records they hold, so that a switch can be written out, checked and subtracted.
+class RecordTables : public CounterTables {
+ public:
+  using Ptr = Mote::Ptr<RecordTables>;
+  using PtrConst = Mote::Ptr<const RecordTables>;
+
+  /// Where an interface's ingress counters are kept: one record per source.
+  struct Source {
+    FapId fapId;
+    LocalCoreId coreId;
+
+    auto operator<=>(const Source&) const = default;
+  };
+  struct IngressKey {
+    Source source;
+    Nexo::IntfId intfId;
+  };
+
+  /// The keys of the ingress records, in the order in which the tables were filled.
+  virtual std::vector<IngressKey> ingressKeys() const = 0;
+  /// The sources of one interface's ingress records, ascending.
+  virtual std::vector<Source> ingressSources(Nexo::IntfId intf) const = 0;
+  // The keys of the other records, in any order. An interface or FAP whose count has no value is listed.
+  virtual std::vector<Nexo::IntfId> egressKeys() const = 0;
+  virtual std::vector<Nexo::IntfId> egressTmKeys() const = 0;
+  virtual std::vector<Nexo::IntfId> egressLagKeys() const = 0;
+  virtual std::vector<Nexo::IntfId> egressAclKeys() const = 0;
+  virtual std::vector<FapId> egressMtuKeys() const = 0;
+};
+
 /// Counter tables in this process's memory. Whoever fills them is their only writer, before they are mounted.
-class MemoryCounterTables : public CounterTables {
+class MemoryCounterTables : public RecordTables {
  public:
   /// False, and nothing stored, when there is an entry of that FAP, core and interface already.
   bool ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf, const IngressTcCounter& counter);
@@ -47,12 +77,20 @@ class MemoryCounterTables : public CounterTables {
   EgressMtuCounter egressMtuEnqDropCounter(FapId fap) const override;
   Keel::MaybeU63 egressMtuTotalCounter(FapId fap) const override;
 
+  std::vector<IngressKey> ingressKeys() const override { return order_; }
+  std::vector<Source> ingressSources(Nexo::IntfId intf) const override;
+  std::vector<Nexo::IntfId> egressKeys() const override { return egress.keys(); }
+  std::vector<Nexo::IntfId> egressTmKeys() const override { return egressTm.keys(); }
+  std::vector<Nexo::IntfId> egressLagKeys() const override { return egressLag.keys(); }
+  std::vector<Nexo::IntfId> egressAclKeys() const override { return egressAcl.keys(); }
+  std::vector<FapId> egressMtuKeys() const override { return egressMtu.keys(); }
+
  private:
   /// The counters of one interface, those of a source side by side: the total, then the queues as far as they
   /// are stored. The sources stand in the order of their numbers.
   struct Sources {
     struct Place {
-      U32 source;
+      Source source;
       U32 begin;
       U32 size;
     };
@@ -65,6 +103,7 @@ class MemoryCounterTables : public CounterTables {
   std::span<const IngressCounter> findIngress(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
 
   Vane::DenseMap<Nexo::IntfId, Sources, Vane::Hash> ingress_;
+  std::vector<IngressKey> order_;
 };
 
 }  // namespace LoamCounters

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "loamshow/CommandLine.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/cli/CommandLine.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/Mote.h"
 
 namespace loamshow {

@@ -1,4 +1,4 @@
-#include "loamshow/Interrupts.h"
+#include "loamshow/commands/Interrupts.h"
 
 #include <unistd.h>
 

@@ -1,8 +1,8 @@
-#include "loamshow/Plugin.h"
+#include "loamshow/commands/Plugin.h"
 
 #include <dlfcn.h>
 
-#include "loamshow/JsonDocument.h"
+#include "loamshow/text/InputError.h"
 
 namespace loamshow {
 

@@ -1,4 +1,4 @@
-#include "loamshow/StateFile.h"
+#include "loamshow/state/StateFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <system_error>
 
-#include "loamshow/JsonDocument.h"
-#include "loamshow/StateReaders.h"
-#include "loamshow/StateValues.h"
+#include "loamshow/json/JsonDocument.h"
+#include "loamshow/state/StateReaders.h"
+#include "loamshow/state/StateValues.h"
 
 namespace loamshow {
 

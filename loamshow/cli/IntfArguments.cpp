@@ -1,10 +1,10 @@
-#include "loamshow/IntfArguments.h"
+#include "loamshow/cli/IntfArguments.h"
 
 #include <string_view>
 #include <unordered_map>
 
-#include "loamshow/JsonDocument.h"
-#include "loamshow/NearMiss.h"
+#include "loamshow/text/InputError.h"
+#include "loamshow/text/NearMiss.h"
 
 namespace loamshow {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-#include "loamshow/JsonDocument.h"
+#include "loamshow/json/JsonDocument.h"
 #include "platform/HardwareLoam.h"
 #include "platform/Nexo.h"
 

@@ -1,12 +1,12 @@
-#include "loamshow/ShowCommands.h"
+#include "loamshow/commands/ShowCommands.h"
 
 #include <algorithm>
 #include <string_view>
 #include <vector>
 
-#include "loamshow/IntfArguments.h"
-#include "loamshow/JsonDocument.h"
-#include "loamshow/Plugin.h"
+#include "loamshow/cli/IntfArguments.h"
+#include "loamshow/commands/Plugin.h"
+#include "loamshow/text/InputError.h"
 #include "platform/Cortex.h"
 
 namespace loamshow {

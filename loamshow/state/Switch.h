@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "platform/CounterAgent.h"
@@ -20,6 +19,8 @@ struct DebugFap {
 /// A switch as a state file describes it: the interfaces that a user can name, and the state objects and
 /// counters that the commands read.
 struct SwitchState {
+  Mote::String name;     // empty: not given
+  Mote::String takenAt;  // when the counters were read: RFC 3339 in UTC; empty: not given
   std::vector<Nexo::IntfId> interfaces;
   Hardware::Loam::Status::Ptr status = Mote::make<Hardware::Loam::Status>();
   LoamTm::TmMapping::Ptr tmMapping = Mote::make<LoamTm::TmMapping>();
@@ -27,19 +28,11 @@ struct SwitchState {
       Mote::make<Hardware::Loam::InternalLagClientStatus>();
   Mote::Ptr<LoamCounters::MemoryCounterTables> counters = Mote::make<LoamCounters::MemoryCounterTables>();
   bool skeinMountMode = false;
+  bool perInputPortCoppVoqs = false;  // a CoPP class has a VOQ per input port
   std::vector<DebugFap> debugFaps;
   Vane::Seconds switchTimeOffset;
   Hardware::Loam::VoqId fabricMcastVoqMin{0};
   Hardware::Loam::VoqId fabricMcastVoqMax{7};
 };
-
-/// Loads a state file; "-" is standard input. Raises InputError, which names the file and the member, for
-/// anything that is not as it should be.
-SwitchState loadStateFile(const std::string& path);
-/// The same for a text; `name` stands for the file.
-SwitchState parseState(const std::string& name, std::string_view text);
-
-/// Makes the state's switch the one that this process runs on: its clock and its fabric multicast range.
-void mountProcessWide(const SwitchState& state);
 
 }  // namespace loamshow

@@ -1,4 +1,4 @@
-#include "loamshow/RegistryReport.h"
+#include "loamshow/commands/RegistryReport.h"
 
 #include <nlohmann/json.hpp>
 #include <sstream>

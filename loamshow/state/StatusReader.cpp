@@ -1,5 +1,5 @@
-#include "loamshow/StateReaders.h"
-#include "loamshow/StateValues.h"
+#include "loamshow/state/StateReaders.h"
+#include "loamshow/state/StateValues.h"
 
 namespace loamshow {
 

@@ -1,4 +1,4 @@
-#include "loamshow/JsonDocument.h"
+#include "loamshow/json/JsonDocument.h"
 
 #include <charconv>
 #include <limits>
@@ -103,21 +103,6 @@ class JsonBuilder {
   U32 keySize_ = 0;
   std::string error_;
 };
-
-namespace {
-
-/// A text as a part of a one-line message: shortened, and without control bytes.
-std::string printable(std::string_view text) {
-  constexpr std::size_t most = 240;
-  std::string line(text.substr(0, most));
-  for (char& c : line) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
-  }
-  if (text.size() > most) line += "...";
-  return line;
-}
-
-}  // namespace
 
 JsonDocument::JsonDocument(std::string name, std::string_view text) : name_(std::move(name)) {
   // The parser takes a NUL for the end of the text.

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "loamshow/JsonDocument.h"
-#include "loamshow/StateFile.h"
+#include "loamshow/json/JsonDocument.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/CounterAgent.h"
 #include "platform/HardwareLoam.h"
 

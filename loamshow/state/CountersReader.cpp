@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <string>
 
-#include "loamshow/StateReaders.h"
-#include "loamshow/StateValues.h"
+#include "loamshow/state/StateReaders.h"
+#include "loamshow/state/StateValues.h"
 
 namespace loamshow {
 

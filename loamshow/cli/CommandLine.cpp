@@ -1,12 +1,12 @@
-#include "loamshow/CommandLine.h"
+#include "loamshow/cli/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
 #include <sstream>
 
-#include "loamshow/JsonDocument.h"
-#include "loamshow/NearMiss.h"
+#include "loamshow/text/InputError.h"
+#include "loamshow/text/NearMiss.h"
 #include "platform/tabula.h"
 
 namespace loamshow {

@@ -1,5 +1,5 @@
-#include "loamshow/StateReaders.h"
-#include "loamshow/StateValues.h"
+#include "loamshow/state/StateReaders.h"
+#include "loamshow/state/StateValues.h"
 
 namespace loamshow {
 
@@ -10,9 +10,8 @@ using Brim::Counters::CounterBlockDescriptorPtrDir;
 using Brim::Counters::CounterDescriptor;
 using Brim::Counters::CounterDescriptorDir;
 using Brim::Counters::CounterFieldDescriptor;
+using Brim::Counters::MemoryShmemManager;
 using Brim::Counters::ShmemManager;
-using Brim::Counters::ShmemRegion;
-using Brim::Counters::ShmemWriter;
 
 CounterFieldDescriptor::PtrConst field(JsonValue member) {
   const auto field = Mote::make<CounterFieldDescriptor>();
@@ -109,19 +108,19 @@ Counter counter(JsonValue object) {
   return counter;
 }
 
-/// Reads a FAP's snapshots behind those of others.
-void readSnapshots(JsonValue object, const Mote::String& fapName, std::vector<ShmemWriter::Snapshot>& all) {
-  Vane::HashMap<Mote::String, bool> seen;
-  readMap(object, seen, nameKey, [&](JsonValue member) {
-    ShmemWriter::Snapshot& snapshot = all.emplace_back(ShmemWriter::Snapshot{fapName, nameKey(member), {}});
-    for (const JsonValue record : member.elements()) snapshot.counters.push_back(counter(record));
-    return true;
-  });
+std::vector<Counter> counters(JsonValue array) {
+  std::vector<Counter> counters;
+  for (const JsonValue record : array.elements()) counters.push_back(counter(record));
+  return counters;
+}
+
+ShmemManager::PtrConst manager(JsonValue object) {
+  const auto manager = Mote::make<MemoryShmemManager>();
+  readMap(object, manager->values, nameKey, counters);
+  return manager;
 }
 
 void readFaps(JsonValue object, std::vector<DebugFap>& faps) {
-  std::vector<ShmemWriter::Snapshot> snapshots;
-  std::vector<std::size_t> managed;  // the FAPs that have snapshots, maybe none of them
   Vane::HashMap<Mote::String, bool> seen;
   readMap(object, seen, nameKey, [&](JsonValue member) {
     DebugFap& fap = faps.emplace_back(DebugFap{nameKey(member), nullptr, nullptr});
@@ -130,8 +129,7 @@ void readFaps(JsonValue object, std::vector<DebugFap>& faps) {
       if (in.is("directory")) {
         descriptor->counterDescriptorDir = directory(in.value());
       } else if (in.is("snapshots")) {
-        readSnapshots(in.value(), fap.name, snapshots);
-        managed.push_back(faps.size() - 1);
+        fap.manager = manager(in.value());
       } else {
         in.unknown();
       }
@@ -139,9 +137,6 @@ void readFaps(JsonValue object, std::vector<DebugFap>& faps) {
     fap.descriptor = descriptor;
     return true;
   });
-  // The values go into shared memory, as another process would keep them.
-  const auto region = Mote::make<ShmemRegion>(ShmemWriter(snapshots).fd(), "debug");
-  for (const std::size_t i : managed) faps[i].manager = Mote::make<ShmemManager>(region, faps[i].name);
 }
 
 }  // namespace

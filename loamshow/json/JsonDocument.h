@@ -1,20 +1,14 @@
 #pragma once
 
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "loamshow/text/InputError.h"
 #include "platform/Mote.h"
 
 namespace loamshow {
-
-/// An input that is not what it should be. The text names the input and, inside a document, the member.
-class InputError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 class JsonValue;
 

@@ -1,4 +1,4 @@
-#include "loamshow/NearMiss.h"
+#include "loamshow/text/NearMiss.h"
 
 #include <algorithm>
 #include <cstddef>

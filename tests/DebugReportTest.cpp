@@ -136,7 +136,8 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   const auto block = [&](int i) { return "[B" + std::to_string(i) + "]\n" + line1 + line2; };
   // What is shown of a FAP of that many blocks, with two counters each, when its directory changes at a read,
   // and after that.
-  const auto shown = [&](int blocks, int atRead, const std::function<void(CounterDescriptorDir&)>& change) {
+  const auto shown = [&](int blocks, int atRead,
+                         const std::function<void(CounterDescriptorDir&, FapDescriptor&)>& change) {
     Json directory{{"valid", true}, {"readiness", 1}};
     for (int i = 1; i <= blocks; ++i) {
       for (const char* name : {"c1", "c2"}) {
@@ -147,7 +148,8 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
     loamshow::SwitchState switchState = loamshow::parseState("state", state.dump());
     loamshow::DebugFap& fap = switchState.debugFaps[0];
     auto& changing = const_cast<CounterDescriptorDir&>(*fap.descriptor->counterDescriptorDir);
-    fap.manager = Mote::make<Meddler>(atRead, [&] { change(changing); });
+    fap.manager =
+        Mote::make<Meddler>(atRead, [&] { change(changing, const_cast<FapDescriptor&>(*fap.descriptor)); });
     const MemoryFile file;
     for (int i = 0; i < 2; ++i) loamshow::runShowCommand(parsed({"debug"}), switchState, file.fdNumber());
     return file.content();
@@ -155,14 +157,76 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   // Read 4 is the last of the second block.
   const std::string invalid = "FapDescriptors are not valid for: F";
   const std::string cut = title("F") + block(1) + block(2) + invalid + title("F") + invalid;
-  EXPECT_EQ(shown(5, 4, [](auto& directory) { directory.readinessIs(0); }), cut);
-  EXPECT_EQ(shown(5, 4, [](auto& directory) { directory.validIs(false); }), cut);
-  const auto removeC2 = [](auto& directory) {
+  EXPECT_EQ(shown(5, 4, [](auto& directory, auto&) { directory.readinessIs(0); }), cut);
+  EXPECT_EQ(shown(5, 4, [](auto& directory, auto&) { directory.validIs(false); }), cut);
+  // A report stays with the directory that it took.
+  const std::string kept = title("F") + block(1) + block(2);
+  EXPECT_EQ(shown(2, 1, [](auto&, auto& fap) { fap.counterDescriptorDir = nullptr; }),
+            kept + title("F") + invalid);
+  EXPECT_EQ(shown(2, 1,
+                  [](auto&, auto& fap) {
+                    const auto empty = Mote::make<CounterDescriptorDir>();
+                    empty->validIs(true);
+                    empty->readinessIs(1);
+                    fap.counterDescriptorDir = empty;
+                  }),
+            kept + title("F"));
+  const auto removeC2 = [](auto& directory, auto&) {
     const auto second = directory.blockToDescriptor.get("b2");
     if (second) const_cast<CounterBlockDescriptorPtrDir&>(*second).counterDescriptors.remove("c2");
   };
   const std::string shortened = title("F") + block(1) + "[B2]\n" + line1;
   EXPECT_EQ(shown(2, 3, removeC2), shortened + shortened);
+}
+
+// A caller may let go of everything while an operation runs, and take a FAP out.
+TEST(DebugReport, HoldsWhatItReads) {
+  const auto printer = debugCountersPrinterFactory();
+  auto fapDescriptors = fapDescriptorMappingFactory();
+  auto shmemMgrs = shmemMgrMappingFactory();
+  const auto block = Mote::make<CounterBlockDescriptorPtrDir>();
+  const auto directory = Mote::make<CounterDescriptorDir>();
+  directory->validIs(true);
+  directory->readinessIs(1);
+  directory->blockToDescriptor.set("b", block);
+  auto counter = Mote::make<CounterDescriptor>();
+  counter->displayName = "C";
+  counter->numInstances = 1;
+  block->counterDescriptors.set("c", counter);
+  block->counterDescriptors.set("null", nullptr);
+  const auto descriptor = Mote::make<FapDescriptor>();
+  descriptor->counterDescriptorDir = directory;
+  for (const char* fap : {"F1", "F2", "F3"}) fapDescriptors->fapDescriptorIs(fap, descriptor);
+  ShmemMgrMapping::PtrConst mgrsGiven = shmemMgrs;
+  FapDescriptorMapping::PtrConst descriptorsGiven = fapDescriptors;
+  std::vector<U32> users;
+  ShmemManager::PtrConst manager = Mote::make<Meddler>(1, [&] {
+    users = {mgrsGiven->users(), descriptorsGiven->users()};
+    fapDescriptors->fapDescriptorDel("F2");
+    shmemMgrs = nullptr;
+    fapDescriptors = nullptr;
+    mgrsGiven = nullptr;
+    descriptorsGiven = nullptr;
+  });
+  for (const char* fap : {"F1", "F2", "F3"}) shmemMgrs->shmemMgrIs(fap, manager);
+  const MemoryFile file;
+  printer->printDebugCountersPerAFap(mgrsGiven, descriptorsGiven, file.fdNumber(), 1, "", false, {});
+  const std::string lineC = counterLine(' ', "C", "0", "never", "never");
+  EXPECT_EQ(file.content(), title("F1") + "[B]\n" + lineC + title("F3") + "[B]\n" + lineC);
+  EXPECT_THAT(users, testing::ElementsAre(3, 3));
+
+  DebugCountersPrinter::Descriptor given = counter;
+  const MemoryFile piece;
+  manager = Mote::make<Meddler>(1, [&] {
+    users = {given->users(), manager->users()};
+    block->counterDescriptors.clear();
+    counter = nullptr;
+    given = nullptr;
+    manager = nullptr;
+  });
+  printer->printDebugCounter(piece.fdNumber(), 1, given, "", manager, false, false, "", 0, "");
+  EXPECT_EQ(piece.content(), lineC);
+  EXPECT_THAT(users, testing::ElementsAre(4, 2));
 }
 
 TEST(DebugReport, CarriesOnOrEndsCleanlyAtEveryFault) {
@@ -189,6 +253,9 @@ TEST(DebugReport, PiecesComposeABlock) {
     return printer->printDebugCounter(fd, 1, counter, "now", manager, drops, section, "Block", instance,
                                       " (x)");
   };
+  counter->fieldDescriptors.set("null", nullptr);
+  EXPECT_TRUE(print(false, true, 0)) << "a field that is not there is passed over";
+  counter->fieldDescriptors.clear();
   EXPECT_TRUE(print(true, true, 0)) << "nothing printed: the section line stays due";
   EXPECT_FALSE(print(false, true, 0));
   EXPECT_FALSE(print(false, false, 4294967293));

@@ -29,7 +29,9 @@ Mote::String timeText(Vane::Seconds switchTime) {
 
 std::vector<CounterFieldDescriptor::PtrConst> fieldsInOrder(const CounterDescriptor& descriptor) {
   std::vector<CounterFieldDescriptor::PtrConst> fields;
-  for (const auto& [name, field] : descriptor.fieldDescriptors) fields.push_back(field);
+  for (const auto& [name, field] : descriptor.fieldDescriptors) {
+    if (field != nullptr) fields.push_back(field);
+  }
   std::stable_sort(fields.begin(), fields.end(),
                    [](const auto& left, const auto& right) { return left->order < right->order; });
   return fields;

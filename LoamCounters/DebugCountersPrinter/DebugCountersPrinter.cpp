@@ -6,7 +6,8 @@
 #include "platform/Wisp.h"
 #include "platform/tabula.h"
 
-// The operations use nothing of the object: it is there for the entity framework to call them on.
+// The operations use nothing of the object: it is there for the entity framework to call them on. They hold
+// counted handles of their own to what they read.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 
 namespace LoamCounters {
@@ -18,7 +19,7 @@ bool DebugCountersPrinter::printDebugCounter(U32 fd, U32 fmt, const Descriptor& 
   Wisp::trace("printDebugCounter");
   const Wisp::BlockTimer timer("printDebugCounter");
   if (descriptor == nullptr || shmemMgr == nullptr) return printSectionName;  // nothing to show
-  return answer(fd, fmt, [&](tabula::Printer& printer) {
+  return answer(fd, fmt, [&, descriptor, shmemMgr](tabula::Printer& printer) {
     return printCounter(printer, descriptor, snapshot, shmemMgr, drops, printSectionName, blockName, instance,
                         extraDescription);
   });
@@ -40,7 +41,7 @@ void DebugCountersPrinter::printDebugCountersPerAFap(const ShmemMgrMapping::PtrC
   Wisp::trace("printDebugCountersFap");
   const Wisp::BlockTimer timer("printDebugCountersFap");
   tabula::endingOnInterrupt([&] {
-    answer(fd, fmt, [&](tabula::Printer& printer) {
+    answer(fd, fmt, [&, shmemMgrs, fapDescriptors](tabula::Printer& printer) {
       printFapReport(printer, shmemMgrs, fapDescriptors, snapshot, drops, blockName);
     });
   });

@@ -26,8 +26,10 @@ struct Report {
   const Mote::String& snapshot;
   bool drops;
 
-  void printFap(const Mote::String& fapName, const CounterDescriptorDir::PtrConst& directory,
+  void printFap(const Mote::String& fapName, const FapDescriptor& descriptor,
                 const ShmemManager::PtrConst& shmemMgr, const Vane::Optional<Mote::String>& blockName) const {
+    // The descriptor's owner may put another directory into it; this FAP's blocks are of this one.
+    const CounterDescriptorDir::PtrConst directory = descriptor.counterDescriptorDir;
     printFapName(printer, fapName);
     printDebugCountersTitles(printer);
     if (!usable(directory)) {
@@ -104,12 +106,13 @@ void printFapReport(tabula::Printer& printer, const ShmemMgrMapping::PtrConst& s
   const Report report{printer, snapshot, drops};
   for (const Mote::String& fapName : naturallySorted(fapDescriptors->fapDescriptors().keys())) {
     const FapDescriptor::PtrConst descriptor = fapDescriptors->fapDescriptors().get(fapName);
+    if (descriptor == nullptr) continue;  // removed since the FAPs were listed
     const ShmemManager::PtrConst shmemMgr =
         shmemMgrs == nullptr ? nullptr : shmemMgrs->shmemMgrs().get(fapName);
     if (shmemMgr == nullptr) {
       throw Vane::InternalException("no shared-memory manager of debug counters for " + fapName);
     }
-    report.printFap(fapName, descriptor->counterDescriptorDir, shmemMgr, blockName);
+    report.printFap(fapName, *descriptor, shmemMgr, blockName);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <functional>
+#include <random>
 
 #include "platform/tabula.h"
 #include "tests/Support.h"
@@ -37,6 +38,26 @@ TEST(Printer, CarriesTextLargerThanItsBuffer) {
     EXPECT_EQ(printer.template addFrills<"%*u|%-*u.">(100'000U, 7U, 70'000U, 8U), 170'002);
   });
   EXPECT_EQ(got, expected + "[" + wide + "]" + line("%100000u|%-70000u.", 7, 8));
+}
+
+// Cut into digits by the processor's wide registers where it has some, and by those that all have.
+TEST(Digits, AreThoseOfTheNumber) {
+  std::mt19937_64 random(1);
+  const auto expectDigits = [](U64 number) {
+    const std::string expected = line("%016llu", static_cast<unsigned long long>(number));
+    for (const auto cut : {tabula::detail::sixteenDigits, tabula::detail::sixteenDigitsInWords}) {
+      const auto [high, low] = cut(number);
+      std::string digits;
+      for (const U64 word : {high, low}) {
+        for (U32 at = 0; at < 64; at += 8) digits += static_cast<char>('0' + (word >> at & 0xffU));
+      }
+      ASSERT_EQ(digits, expected);
+    }
+  };
+  for (U64 fours = 0; fours < 10'000; ++fours) {
+    expectDigits(fours * 1'0000'0000'0000 + fours * 1'0000'0000 + (9999 - fours) * 1'0000 + fours);
+  }
+  for (int i = 0; i < 10'000; ++i) expectDigits(random() % tabula::detail::tenTo16);
 }
 
 TEST(Printer, EscapesNamesAndValuesInJson) {

@@ -46,8 +46,20 @@ struct SixteenDigits {
 /// The digits of a number below 10^16. It is cut into fours and those into pairs and single digits, all of
 /// them side by side. The quotients by 100 and 10 are multiplications by rounded-up reciprocals, exact below
 /// 10,000 and 100.
+inline U64 eightDigits(U64 number) noexcept {
+  const U64 fours = (number / 10'000) | ((number % 10'000) << 32U);
+  const U64 hundreds = ((fours * 10'486) >> 20U) & 0x0000007f'0000007f;
+  const U64 pairs = hundreds | ((fours - 100 * hundreds) << 16U);
+  const U64 tens = ((pairs * 103) >> 10U) & 0x000f'000f'000f'000f;
+  return tens | ((pairs - 10 * tens) << 8U);
+}
+inline SixteenDigits sixteenDigitsInWords(U64 number) noexcept {
+  return {eightDigits(number / tenTo8), eightDigits(number % tenTo8)};
+}
+
+/// The same with all sixteen side by side, where the processor has registers of that width.
 #ifdef __SSE2__
-// NOLINTBEGIN(portability-simd-intrinsics): the plain version is below
+// NOLINTBEGIN(portability-simd-intrinsics): the plain version is above
 inline SixteenDigits sixteenDigits(U64 number) noexcept {
   const U32 high = static_cast<U32>(number / tenTo8);
   const U32 low = static_cast<U32>(number % tenTo8);
@@ -65,15 +77,8 @@ inline SixteenDigits sixteenDigits(U64 number) noexcept {
 }
 // NOLINTEND(portability-simd-intrinsics)
 #else
-inline U64 eightDigits(U64 number) noexcept {
-  const U64 fours = (number / 10'000) | ((number % 10'000) << 32U);
-  const U64 hundreds = ((fours * 10'486) >> 20U) & 0x0000007f'0000007f;
-  const U64 pairs = hundreds | ((fours - 100 * hundreds) << 16U);
-  const U64 tens = ((pairs * 103) >> 10U) & 0x000f'000f'000f'000f;
-  return tens | ((pairs - 10 * tens) << 8U);
-}
 inline SixteenDigits sixteenDigits(U64 number) noexcept {
-  return {eightDigits(number / tenTo8), eightDigits(number % tenTo8)};
+  return sixteenDigitsInWords(number);
 }
 #endif
 

@@ -45,6 +45,14 @@ std::string cpuEgressHead() {
                                           "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets");
 }
 
+std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues) {
+  const int width = withQueues ? 10 : 0;
+  return title + "\n" + subtitle +
+         line("%-26s %-*s %18s %18s %18s %18s\n", "CoPP Class", width, withQueues ? "Queue" : "", "Pkts",
+              "Octets", "DropPkts", "DropOctets") +
+         line("%-26s %-*s\n", "Aggregate", width, "") + std::string(withQueues ? 113 : 103, '-') + "\n";
+}
+
 std::string dropsHead() {
   return line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
               "DropOctets") +

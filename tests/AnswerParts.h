@@ -24,6 +24,15 @@ Json ingressJson(const Labels& labels, const Quads& quads, const char* collectio
 std::string egressHead();
 std::string cpuEgressHead();
 std::string dropsHead();
+/// The head of a table of CoPP classes, and the second lines that it may have.
+std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues);
+inline constexpr const char* queueTitle =
+    "This indicates the sum of port-dependent queue counters across all input ports.\n";
+inline constexpr const char* policerTitle =
+    "This indicates the sum of packets permitted and denied by the port-dependent policers.\n";
+inline constexpr const char* perChipTitle =
+    "This indicates the sum of per-chip counts of packets permitted and denied by the port-dependent "
+    "policers.\n";
 std::string aclHead();
 std::string mtuHead();
 /// One interface's egress rows, a unicast and a multicast one per label, and their object in JSON.

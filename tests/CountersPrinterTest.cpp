@@ -4,9 +4,11 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <optional>
 #include <thread>
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
+#include "LoamCounters/QueueCountersPrinter/CpuQueues.h"
 #include "loamshow/state/StateFile.h"
 #include "platform/tabula.h"
 #include "tests/AnswerParts.h"
@@ -76,6 +78,7 @@ void call(const CountersPrinter::Ptr& printer, const std::string& operation, U32
   if (operation == "queues") printer->showInterfacesQueueCounters(fd, fmt, intfs, true, false);
   if (operation == "ingress") printer->showInterfacesQueueIngressCounters(fd, fmt, intfs, true, false);
   if (operation == "cpu") printer->showCpuQueueCounters(fd, fmt, true, false);
+  if (operation == "cpu per core") printer->showCpuQueueCounters(fd, fmt, false, false);
   if (operation == "drops") printer->showInterfacesQueueDropsCounters(fd, fmt, intfs);
   if (operation == "acl") printer->showInterfacesEgressAclDropCounters(fd, fmt, intfs);
   if (operation == "mtu") printer->showInterfacesEgressMtuCounters(fd, fmt);
@@ -90,14 +93,29 @@ std::string called(const CountersPrinter::Ptr& printer, const std::string& opera
 }
 
 TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
-  const std::map<std::string, std::pair<std::string, std::string>> empty = {
+  const std::string cpuEgress = R"("egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})";
+  const auto cpuHeads = [](const char* title) {
+    return classHead(title, "", true) + "\n" + classHead(title, perChipTitle, false) + "\n";
+  };
+  // Text and JSON; where a status makes a difference, those with one, too.
+  const std::map<std::string, std::vector<std::string>> empty = {
       {"queues",
        {ingressHead("Aggregate VoQ Counters") + "\n" + egressHead() + "\n",
         R"({"ingressVoqCounters":{"interfaces":{}},"egressQueueCounters":{"interfaces":{}}})"}},
-      {"ingress", {"", R"({"sources":{}})"}},
+      {"ingress",
+       {"", R"({"sources":{}})",
+        ingressHead("A.0:") + "\n" + ingressHead("A.1:") + "\n" + ingressHead("B:") + "\n",
+        R"({"sources":{"A.0":{"interfaces":{}},"A.1":{"interfaces":{}},"B":{"interfaces":{}}}})"}},
       {"cpu",
-       {cpuEgressHead(),
-        R"({"ingressVoqs":{"sources":{}},"egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})"}},
+       {classHead("Aggregate CPU counters:", queueTitle, false) + "\n" +
+            classHead("Aggregate CPU counters:", policerTitle, false) + "\n" + cpuEgressHead(),
+        R"({"ingressVoqs":{"sources":{"all":{"cpuClasses":{}}}},)" + cpuEgress}},
+      {"cpu per core",
+       {cpuEgressHead(), R"({"ingressVoqs":{"sources":{}},)" + cpuEgress,
+        cpuHeads("A.0:") + cpuHeads("A.1:") + cpuHeads("B:") + cpuEgressHead(),
+        R"({"ingressVoqs":{"sources":{"A.0":{"cpuClasses":{}},"A.1":{"cpuClasses":{}},)"
+        R"("B":{"cpuClasses":{}}}},)" +
+            cpuEgress}},
       {"drops", {dropsHead() + "\n", R"({"interfaces":{}})"}},
       {"acl", {aclHead(), R"({"interfaces":{}})"}},
       {"mtu", {mtuHead(), R"({"destinations":{}})"}},
@@ -111,28 +129,30 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
   for (const auto& [operation, answers] : empty) {
     for (const auto& of : {printer, withoutStatus}) {
       if (of == withoutStatus && operation == "acl") continue;  // it reads no status
-      EXPECT_EQ(called(of, operation, 1, fixture.intfs), answers.first);
-      EXPECT_EQ(called(of, operation, 2, fixture.intfs), answers.second + "\n");
+      const std::size_t first = of == printer ? answers.size() - 2 : 0;
+      EXPECT_EQ(called(of, operation, 1, fixture.intfs), answers[first]);
+      EXPECT_EQ(called(of, operation, 2, fixture.intfs), answers[first + 1] + "\n");
     }
   }
   for (const char* operation : {"queues", "ingress", "acl"}) {
     EXPECT_EQ(called(printer, operation, 1, nullptr) + called(printer, operation, 2, nullptr), "");
   }
-  EXPECT_EQ(called(printer, "drops", 1, nullptr), empty.at("drops").first);
+  EXPECT_EQ(called(printer, "drops", 1, nullptr), empty.at("drops").front());
 }
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {
   using Status = Hardware::Loam::Status;
   // The names under which an operation shows its sources, when the status changes at a read.
   const auto sources = [](const char* operation, const char* path, const std::function<void(Status&)>& change,
-                          int atRead = 2) {
+                          int atRead = 2, const std::vector<const char*>& shown = {"Ethernet3"}) {
     const Fixture fixture;
+    fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(64), Nexo::IntfId("Ethernet1.7"));
     int reads = 0;
     fixture.tables->atRead = [&] {
       if (++reads == atRead) change(*fixture.state.status);
     };
     const auto intfs = intfListFactory();
-    intfs->intfEnq(Nexo::IntfId("Ethernet3"));
+    for (const char* intf : shown) intfs->intfEnq(Nexo::IntfId(intf));
     std::vector<std::string> names;
     const Json json = Json::parse(called(fixture.printer(), operation, 2, intfs));
     for (const auto& source : json[Json::json_pointer(path)].items()) names.push_back(source.key());
@@ -157,6 +177,42 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
   // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
   const char* const voqs = "/interfaces/Ethernet3/trafficClasses/TC0/ingressVoqCounters/sources";
   EXPECT_THAT(sources("drops", voqs, replace), ElementsAre("Below", "Above", "B"));
+  // Ethernet1.5 is shown when the number of VOQs changes, with those that it had.
+  const auto classes = [&](const std::string& intf) {
+    return sources("drops", ("/interfaces/" + intf + "/trafficClasses").c_str(),
+                   [](Status& status) { status.subIntfNumVoqs = 2; }, 3, {"Ethernet1.5", "Ethernet1"});
+  };
+  EXPECT_THAT(classes("Ethernet1.5"), ElementsAre("TC0-1", "TC2-3", "TC4-5", "TC6-7"));
+  EXPECT_THAT(classes("Ethernet1.7"), ElementsAre("TC0-3", "TC4-7")) << "to which port 64 belongs";
+}
+
+// A caller may let go of everything while an operation runs.
+TEST(CountersPrinter, HoldsWhatItReads) {
+  for (const std::string operation : {"queues", "ingress", "cpu", "drops", "acl", "mtu"}) {
+    SCOPED_TRACE(operation);
+    std::optional<Fixture> fixture(std::in_place);
+    fixture->state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("C"));
+    CountersPrinter::Ptr printer = fixture->printer();
+    IntfList::PtrConst intfs = fixture->intfs;
+    const auto users = [&] {
+      return std::vector{fixture->state.status->users(), fixture->state.tmMapping->users(),
+                         fixture->state.internalLagStatus->users(), intfs->users()};
+    };
+    const std::string expected = called(printer, operation, 2, intfs);
+    const auto before = users();
+    std::vector<bool> held;
+    fixture->tables->atRead = [&] {
+      if (printer == nullptr) return;
+      const auto during = users();
+      for (std::size_t i = 0; i < before.size(); ++i) held.push_back(during[i] > before[i]);
+      printer = nullptr;
+      intfs = nullptr;
+      fixture.reset();
+    };
+    EXPECT_EQ(called(printer, operation, 2, intfs), expected);
+    const bool translates = operation == "queues" || operation == "ingress" || operation == "drops";
+    EXPECT_THAT(held, ElementsAre(true, translates, translates, translates || operation == "acl"));
+  }
 }
 
 TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
@@ -231,6 +287,14 @@ TEST(CountersPrinter, BrokenInvariantsAreFatal) {
       testing::AllOf(HasSubstr("mtuCounter.totalCounter().null()"), testing::Not(HasSubstr("total read"))));
   fixture.state.status->subIntfNumVoqs = 9;
   EXPECT_DEATH(called(printer, "ingress", 1, fixture.intfs), "tcPerPort >= countersPerPort");
+  const auto classRows = [&](U32 width, bool totalsOnly) {
+    tabula::Printer out(-1, 1, true, false, true, 0);
+    QueueCountersAttrs attrs(out);
+    printCpuIngressCountersPerCoppClass(out, printer->fapCounterAccessor(), fixture.state.status, FapId(3),
+                                        LocalCoreId(0), width, true, totalsOnly, false, attrs);
+  };
+  EXPECT_DEATH(classRows(10, true), "queueColWidth == 0");
+  EXPECT_DEATH(classRows(0, false), "queueColWidth > 0");
 }
 
 }  // namespace

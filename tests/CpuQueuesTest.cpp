@@ -6,16 +6,8 @@ namespace loamtest {
 
 namespace {
 
-constexpr const char* queueTitle =
-    "This indicates the sum of port-dependent queue counters across all input ports.";
-constexpr const char* policerTitle =
-    "This indicates the sum of packets permitted and denied by the port-dependent policers.";
-constexpr const char* perChipTitle =
-    "This indicates the sum of per-chip counts of packets permitted and denied by the port-dependent "
-    "policers.";
-
-/// Classes on ports 24, 56 and 2 (queues) and 12, 22 (policers), and CPU ports 2, 4 and 6: on FAP A, on FAP
-/// B, and without a FAP. Interface names are not in port order.
+/// Classes on ports 24, 56 and 2 (queues) and 12, 22 (policers), counted on both cores of FAP A, and CPU
+/// ports 2, 4 and 6: on FAP A, on FAP B, and without a FAP. Interface names are not in port order.
 Json cpuSwitch() {
   Json state = smallSwitch();
   Json& status = state["status"];
@@ -41,11 +33,13 @@ Json cpuSwitch() {
   U64 base = 0;
   for (const char* name : {"Alpha", "CpuTm0", "Police1", "Police2", "Zulu"}) {
     base += 1000;
-    counters["ingress"].push_back({{"fapId", 3},
-                                   {"coreId", 1},
-                                   {"intfId", name},
-                                   {"queues", {quad(base), quad(base + 100)}},
-                                   {"total", quad(base + 500)}});
+    for (const U64 core : {1U, 0U}) {
+      counters["ingress"].push_back({{"fapId", 3},
+                                     {"coreId", core},
+                                     {"intfId", name},
+                                     {"queues", {quad(base + 10 * core), quad(base + 10 * core + 100)}},
+                                     {"total", quad(base + 10 * core + 500)}});
+    }
   }
   for (const char* name : {"CpuTm0", "CpuNowhere"}) counters["egress"][name]["queues"] = {quad(10), quad(20)};
   for (const char* name : {"CpuB", "CpuNowhere"}) {
@@ -53,14 +47,6 @@ Json cpuSwitch() {
     counters["egressTm"][name] = {{"queues", Json(8, pair)}, {"ambiguousTcs", {0, 1}}};
   }
   return state;
-}
-
-std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues) {
-  const int width = withQueues ? 10 : 0;
-  return title + "\n" + subtitle +
-         line("%-26s %-*s %18s %18s %18s %18s\n", "CoPP Class", width, withQueues ? "Queue" : "", "Pkts",
-              "Octets", "DropPkts", "DropOctets") +
-         line("%-26s %-*s\n", "Aggregate", width, "") + std::string(withQueues ? 113 : 103, '-') + "\n";
 }
 
 const char* const classes[] = {"Alpha", "CoppSystemDefault", "Zulu"};
@@ -79,12 +65,14 @@ const std::tuple<const char*, Json, Json> cpuPorts[] = {
     {"CpuB", cpuBUnicast, cpuBMulticast},
     {"CpuNowhere", plus(tm0, cpuBUnicast), cpuBMulticast}};
 
+std::string portRows(const char* name, const Json& unicast, const Json& multicast) {
+  return line("%-20s %-10s ", name, "UC") + columns(17, unicast) + line("%-20s %-10s ", name, "MC") +
+         columns(17, multicast);
+}
+
 std::string egressSection() {
   std::string text = cpuEgressHead();
-  for (const auto& [name, unicast, multicast] : cpuPorts) {
-    text += line("%-20s %-10s ", name, "UC") + columns(17, unicast);
-    text += line("%-20s %-10s ", name, "MC") + columns(17, multicast);
-  }
+  for (const auto& [name, unicast, multicast] : cpuPorts) text += portRows(name, unicast, multicast);
   return text;
 }
 
@@ -101,18 +89,19 @@ TEST(CpuQueues, ShowsTwoTablesPerFapCore) {
   std::string expected;
   Json json;
   for (const std::string source : {"A.0", "A.1", "B"}) {
-    const bool counted = source == "A.1";
+    const bool counted = source != "B";
+    const U64 core = source == "A.1" ? 10 : 0;
     Json& cpuClasses = json["ingressVoqs"]["sources"][source]["cpuClasses"];
     expected += classHead(source + ":", "", true);
     for (const std::string name : classes) {
-      const U64 base = bases.at(name);
+      const U64 base = bases.at(name) + core;
       const Quads quads = counted ? Quads{quad(base), quad(base + 100)} : Quads{zeros(), zeros()};
       expected += ingressRows(name, {"TC0", "TC1"}, quads, 10);
       cpuClasses[name] = ingressJson({"TC0", "TC1"}, quads, "ports");
     }
-    expected += "\n" + classHead(source + ":", std::string(perChipTitle) + "\n", false);
+    expected += "\n" + classHead(source + ":", perChipTitle, false);
     for (const std::string name : policers) {
-      const Quads total = {counted ? quad(bases.at(name) + 500) : zeros()};
+      const Quads total = {counted ? quad(bases.at(name) + core + 500) : zeros()};
       expected += ingressRows(name, {""}, total, 0);
       cpuClasses[name] = ingressJson({""}, total, "ports");
     }
@@ -127,9 +116,9 @@ TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
   std::string expected;
   Json json;
   const auto table = [&](const char* subtitle, const auto& names) {
-    expected += classHead("Aggregate CPU counters:", subtitle + std::string("\n"), false);
+    expected += classHead("Aggregate CPU counters:", subtitle, false);
     for (const std::string name : names) {
-      const Quads total = {quad(bases.at(name) + 500)};
+      const Quads total = {plus(quad(bases.at(name) + 500), quad(bases.at(name) + 510))};
       expected += ingressRows(name, {""}, total, 0);
       json["ingressVoqs"]["sources"]["all"]["cpuClasses"][name] = ingressJson({""}, total, "ports");
     }
@@ -140,6 +129,16 @@ TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
   json["egressQueues"] = egressJson();
   EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary"}), expected + egressSection());
   EXPECT_EQ(answer(cpuSwitch(), {"cpu", "--summary", "--per-port", "-j"}), json.dump() + "\n");
+}
+
+TEST(CpuQueues, APortWithoutAFapIsReadInEveryModeThatAFapHas) {
+  Json state = cpuSwitch();
+  const std::string rows[] = {portRows("CpuNowhere", tm0, zeros()),
+                              portRows("CpuNowhere", cpuBUnicast, cpuBMulticast)};
+  for (const int major : {1, 2}) {
+    for (auto& entry : state["status"]["fapRevision"].items()) entry.value()["major"] = major;
+    EXPECT_THAT(answer(state, {"cpu", "--summary"}), testing::EndsWith(rows[major - 1]));
+  }
 }
 
 TEST(CpuQueues, LabelsVoqsByInputPort) {

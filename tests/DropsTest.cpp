@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "LoamCounters/QueueCountersPrinter/EgressRows.h"
 #include "platform/Nexo.h"
 #include "tests/AnswerParts.h"
 
@@ -72,7 +73,7 @@ TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
 
 TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
   const Json calm = {1, 2, 0, 4};
-  const auto shown = [&](const char* record, const char* intf) {
+  const auto shown = [&](const char* record, const auto& intf) {
     Json state = smallSwitch();
     for (Json& entry : state["counters"]["ingress"]) entry["total"] = calm;
     for (const char* kind : {"egress", "egressTm", "egressLag"}) {
@@ -89,6 +90,7 @@ TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
   EXPECT_THAT(shown("egress", "Ethernet3"), testing::IsEmpty())
       << "a record of the other mode does not count";
   EXPECT_THAT(shown("egressTm", "Ethernet3"), testing::ElementsAre("Ethernet3"));
+  EXPECT_THAT(shown("ingress", 0), testing::ElementsAre("Ethernet1")) << "in the first of its three sources";
 }
 
 TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
@@ -123,6 +125,28 @@ TEST(QueueDrops, LongLabelsShiftTheirRow) {
   EXPECT_THAT(answer(state, {"drops", "et1"}), HasSubstr(" - Quarterdeck42         " + columns(17, count)));
   EXPECT_EQ(answer(state, {"drops", "et1.5", "-j"}),
             "{\"interfaces\":{\"Ethernet1.5\":{\"trafficClasses\":{}}}}\n");
+}
+
+TEST(EgressRows, AreTheirArgumentsWhateverTheirPlace) {
+  const MemoryFile file;
+  tabula::Printer printer(file.fd(), tabula::formatText, true, false, true, 0);
+  LoamCounters::QueueCountersAttrs attrs(printer);
+  const LoamCounters::CounterQuad counts{1, 2, 3, 4};
+  const Json shown = quad(0);
+  LoamCounters::printEgressCounters(printer, 1, Nexo::IntfId("Ethernet1"), 3, 7, "TC3", 4, "DP", 1, false,
+                                    counts, attrs);
+  printer.addFrills<"%s\n">(attrs.intfAttr.getArg());
+  // The labels are those of the format asked for, not of the Printer's.
+  LoamCounters::EgressTmCounter record;
+  record.quadIs(LoamCounters::EgressTmCounterIndex(60), counts);
+  LoamCounters::printIntfTcEgrCounters(printer, tabula::formatJson, 7, record, attrs);
+  for (const U32 tc : {8U, 0x20000000U}) {
+    EXPECT_THROW(LoamCounters::printIntfTcEgrCounters(printer, 1, tc, record, attrs), Vane::RangeException);
+  }
+  printer.close();
+  EXPECT_EQ(file.content(), line("%-20s %-7s %-10s %-10s ", "Et1", "TC3", "DP", "MC") + columns(17, shown) +
+                                "Ethernet1\n" + row(" Egress queue", shown) +
+                                row(" - DP0-3 ucastQueues", zeros()) + row(" - DP0-3 mcastQueues", shown));
 }
 
 TEST(EgressAclDrops, DistinguishNoCountFromZero) {

@@ -66,6 +66,20 @@ TEST(Queues, RowsOfAQueueModeFapDependOnItsSharedClasses) {
   }
 }
 
+TEST(Queues, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
+  for (const int major : {1, 2}) {
+    Json state = smallSwitch();
+    for (auto& entry : state["status"]["fapRevision"].items()) entry.value()["major"] = major;
+    // Rows of shared classes come with queue mode.
+    const Labels labels = major == 1 ? tcs() : lagLabels();
+    const std::vector<U64>& shown = major == 1 ? allTcs : lagTcs;
+    std::string text = egressHead();
+    Json json;
+    addEgress(text, json, "Port-Channel1", labels, egressQuads(2, 4, 0, shown), egressQuads(2, 4, 1, shown));
+    EXPECT_THAT(answer(state, {"queues", "po1"}), testing::EndsWith("\n" + text + "\n"));
+  }
+}
+
 /// The small switch with every kind of special port. Every port maps to an interface named after it, but 340.
 Json specialSwitch() {
   Json state = smallSwitch();

@@ -1,7 +1,8 @@
 #pragma once
 
 // The bodies of the six show commands. Each writes one whole answer through the given Printer. With a status
-// or an accessor that is null, a command writes its headings and empty collections and reads nothing.
+// or an accessor that is null, a command writes its headings and empty collections, those of the sources that
+// it still knows among them, and reads no counter.
 
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "platform/CounterAgent.h"

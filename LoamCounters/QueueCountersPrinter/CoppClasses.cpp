@@ -1,5 +1,8 @@
 #include "LoamCounters/QueueCountersPrinter/CoppClasses.h"
 
+#include <atomic>
+#include <memory>
+
 namespace LoamCounters {
 
 namespace {
@@ -7,24 +10,24 @@ namespace {
 using Hardware::Loam::Status;
 using Hardware::Loam::SystemPhyPortId;
 
-/// A set that is filled by the first call that finds something to put into it.
+/// A set that the first call publishes that finds something to put into it. It stays as long as the process.
 class FilledOnce {
  public:
   template <class Fill>
   IntfIdSet get(Fill fill) {
-    if (!filled_.load(std::memory_order_acquire)) {
-      const std::lock_guard lock(filling_);
-      if (set_.empty()) fill(set_);
-      if (set_.empty()) return {};
-      filled_.store(true, std::memory_order_release);
+    const IntfIdSet* published = set_.load(std::memory_order_acquire);
+    if (published == nullptr) {
+      auto filled = std::make_unique<IntfIdSet>();
+      fill(*filled);
+      if (filled->empty()) return {};
+      // Of several threads that come here, one publishes.
+      if (set_.compare_exchange_strong(published, filled.get())) published = filled.release();
     }
-    return set_;
+    return *published;
   }
 
  private:
-  std::mutex filling_;
-  std::atomic<bool> filled_{false};
-  IntfIdSet set_;
+  std::atomic<const IntfIdSet*> set_{nullptr};
 };
 
 }  // namespace
@@ -37,7 +40,7 @@ void countersPerCpuClassHelper(U32 first, U32 last, const Status::PtrConst& stat
 }
 
 IntfIdSet coppQueueClasses(const Status::PtrConst& status) {
-  static FilledOnce classes;
+  static constinit FilledOnce classes;
   return classes.get([&](IntfIdSet& set) {
     countersPerCpuClassHelper(24, 56, status, set);
     countersPerCpuClassHelper(2, 2, status, set);
@@ -45,7 +48,7 @@ IntfIdSet coppQueueClasses(const Status::PtrConst& status) {
 }
 
 IntfIdSet coppPolicerClasses(const Status::PtrConst& status) {
-  static FilledOnce classes;
+  static constinit FilledOnce classes;
   return classes.get([&](IntfIdSet& set) { countersPerCpuClassHelper(12, 22, status, set); });
 }
 

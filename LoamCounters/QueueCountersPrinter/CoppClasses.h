@@ -1,7 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <mutex>
 #include <set>
 
 #include "platform/HardwareLoam.h"
@@ -22,7 +20,7 @@ void countersPerCpuClassHelper(U32 first, U32 last, const Hardware::Loam::Status
                                IntfIdSet& set);
 
 /// The interfaces of the CoPP classes, each class set found once per process: the first status that has any
-/// decides. Safe in several threads at once; once a set is filled, without a lock.
+/// decides. Without a lock, and safe in several threads at once.
 IntfIdSet coppQueueClasses(const Hardware::Loam::Status::PtrConst& status);
 IntfIdSet coppPolicerClasses(const Hardware::Loam::Status::PtrConst& status);
 

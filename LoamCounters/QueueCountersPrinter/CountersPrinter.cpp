@@ -64,27 +64,40 @@ EgressAclCountersAccessor::Ptr CountersPrinter::egressAclCountersAccessorDel() {
   return egressAclCountersAccessor_.del();
 }
 
-AllIntfList::Ptr CountersPrinter::voqIntfs(const IntfList::PtrConst& intfList, bool voqPortsOnly) const {
-  AllIntfList::Ptr lists = allIntfListFactory();
-  appendWithVoqInterfaceNames(lists, intfList, loamStatus_, tmMapping_, internalLagStatus_, voqPortsOnly);
-  return lists;
-}
+namespace {
 
-// Every operation holds counted handles of its own to what it reads, so that an accessor replaced during the
-// call stays until its work ends, and is released before an interrupt is spoken of.
+/// What a command that translates its interfaces was given and reads.
+struct Held {
+  CountersPrinter::StatusPtr status;
+  CountersPrinter::TmMappingPtr tmMapping;
+  CountersPrinter::LagStatusPtr lagStatus;
+  CounterEngineAccessor::PtrConst accessor;
+  IntfList::PtrConst intfList;
+
+  AllIntfList::Ptr voqIntfs(bool voqPortsOnly) const {
+    AllIntfList::Ptr lists = allIntfListFactory();
+    appendWithVoqInterfaceNames(lists, intfList, status, tmMapping, lagStatus, voqPortsOnly);
+    return lists;
+  }
+};
+
+}  // namespace
+
+// Every operation holds counted handles of its own to what it was given and what it reads, so that all of it
+// stays until the work ends, whatever the caller drops or replaces during the call, and is released before an
+// interrupt is spoken of.
 
 void CountersPrinter::showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList,
                                                   bool internal, bool /*detail*/) const {
   tabula::endingOnInterrupt([&] {
-    const auto status = loamStatus_;
-    const auto accessor = fapCounterAccessor();
-    const AllIntfList::Ptr lists = voqIntfs(intfList, false);
+    const Held held{loamStatus_, tmMapping_, internalLagStatus_, fapCounterAccessor(), intfList};
+    const AllIntfList::Ptr lists = held.voqIntfs(false);
     if (internal) {
-      appendSpecialIngressInterfaceNames(lists, status);
-      appendSpecialEgressInterfaceNames(lists, status);
+      appendSpecialIngressInterfaceNames(lists, held.status);
+      appendSpecialEgressInterfaceNames(lists, held.status);
     }
     answer(fd, fmt, [&](tabula::Printer& printer) {
-      printShowInterfacesQueueCounters(printer, fmt, accessor, lists, status, internal);
+      printShowInterfacesQueueCounters(printer, fmt, held.accessor, lists, held.status, internal);
     });
   });
 }
@@ -92,12 +105,11 @@ void CountersPrinter::showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfLis
 void CountersPrinter::showInterfacesQueueIngressCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList,
                                                          bool internal, bool /*detail*/) const {
   tabula::endingOnInterrupt([&] {
-    const auto status = loamStatus_;
-    const auto accessor = fapCounterAccessor();
-    const AllIntfList::Ptr lists = voqIntfs(intfList, true);
-    if (internal) appendSpecialIngressInterfaceNames(lists, status);
+    const Held held{loamStatus_, tmMapping_, internalLagStatus_, fapCounterAccessor(), intfList};
+    const AllIntfList::Ptr lists = held.voqIntfs(true);
+    if (internal) appendSpecialIngressInterfaceNames(lists, held.status);
     answer(fd, fmt, [&](tabula::Printer& printer) {
-      printShowInterfacesQueueIngressCounters(printer, accessor, lists, status, internal);
+      printShowInterfacesQueueIngressCounters(printer, held.accessor, lists, held.status, internal);
     });
   });
 }
@@ -116,11 +128,10 @@ void CountersPrinter::showCpuQueueCounters(U32 fd, U32 fmt, bool summary,
 void CountersPrinter::showInterfacesQueueDropsCounters(U32 fd, U32 fmt,
                                                        const IntfList::PtrConst& intfList) const {
   tabula::endingOnInterrupt([&] {
-    const auto status = loamStatus_;
-    const auto accessor = fapCounterAccessor();
-    const AllIntfList::Ptr lists = voqIntfs(intfList, true);
+    const Held held{loamStatus_, tmMapping_, internalLagStatus_, fapCounterAccessor(), intfList};
+    const AllIntfList::Ptr lists = held.voqIntfs(true);
     answer(fd, fmt, [&](tabula::Printer& printer) {
-      printShowInterfacesQueueDropsCounters(printer, fmt, accessor, lists, status);
+      printShowInterfacesQueueDropsCounters(printer, fmt, held.accessor, lists, held.status);
     });
   });
 }
@@ -130,7 +141,7 @@ void CountersPrinter::showInterfacesEgressAclDropCounters(U32 fd, U32 fmt,
   tabula::endingOnInterrupt([&] {
     const auto status = loamStatus_;
     const auto accessor = egressAclCountersAccessor();
-    answer(fd, fmt, [&](tabula::Printer& printer) {
+    answer(fd, fmt, [&, intfList](tabula::Printer& printer) {
       printShowInterfacesEgressAclDropCounters(printer, fmt, intfList, accessor, status);
     });
   });

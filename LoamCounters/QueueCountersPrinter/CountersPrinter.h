@@ -78,8 +78,6 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
   void showInterfacesEgressMtuCounters(U32 fd, U32 fmt);
 
  private:
-  AllIntfList::Ptr voqIntfs(const IntfList::PtrConst& intfList, bool voqPortsOnly) const;
-
   const StatusPtr loamStatus_;
   const TmMappingPtr tmMapping_;
   const LagStatusPtr internalLagStatus_;

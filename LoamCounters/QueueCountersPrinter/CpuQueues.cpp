@@ -1,4 +1,5 @@
-#include <array>
+#include "LoamCounters/QueueCountersPrinter/CpuQueues.h"
+
 #include <string>
 #include <vector>
 
@@ -21,9 +22,6 @@ constexpr U32 noQueueCol = 0;
 constexpr U32 firstCpuPort = 2;
 constexpr U32 lastCpuPort = 6;
 
-/// Counts by destination type.
-using CpuPortCounters = std::array<CounterQuad, 2>;
-
 /// The labels of a class's VOQs: where each input port has a VOQ of its own, the port's name, else the
 /// traffic class. The aggregate core's ports count from 0.
 std::vector<Mote::String> voqLabels(const Status& status, FapId fapId, LocalCoreId coreId,
@@ -43,40 +41,15 @@ std::vector<Mote::String> voqLabels(const Status& status, FapId fapId, LocalCore
   return labels;
 }
 
-/// The rows of one table: every CoPP class of one set, from one source. Policer classes are always totals; a
-/// table of totals has no queue column.
-void printCpuIngressCountersPerCoppClass(tabula::Printer& printer,
-                                         const CounterEngineAccessor::PtrConst& accessor,
-                                         const Status::PtrConst& status, FapId fapId, LocalCoreId coreId,
-                                         U32 queueColWidth, bool queueClasses, bool totalsOnly,
-                                         bool perInputPortCoppVoqsSupported, QueueCountersAttrs& attrs) {
-  const IntfIdSet classes = queueClasses ? coppQueueClasses(status) : coppPolicerClasses(status);
-  const bool totals = totalsOnly || !queueClasses;
-  std::vector<Mote::String> labels;
-  if (totals) {
-    VANE_ASSERT(queueColWidth == 0);
-    labels.emplace_back("");
-  } else {
-    labels = voqLabels(*status, fapId, coreId, perInputPortCoppVoqsSupported);
-    VANE_ASSERT(queueColWidth > 0);
-  }
-  const Nexo::IntfId trafficManager("CpuTm0");
-  const Nexo::IntfId systemDefault("CoppSystemDefault");
-  for (const Nexo::IntfId intf : classes) {
-    const IngressTcCounter counters = accessor->ingressTcCounter(fapId, coreId, intf);
-    const Nexo::IntfId shown = intf == trafficManager ? systemDefault : intf;
-    printIngressCounters(printer, shown, shown.stringValue(), static_cast<U32>(labels.size()), labels,
-                         queueColWidth, totals, true, counters, attrs);
-  }
-}
-
 void printIngressSummary(tabula::Printer& printer, const CounterEngineAccessor::PtrConst& accessor,
                          const Status::PtrConst& status, bool perInputPort, QueueCountersAttrs& attrs) {
   const auto table = [&](bool queueClasses, const char* subtitle) {
     printIngressQueueCounterHeader(printer, "Aggregate CPU counters:", true, noQueueCol, subtitle);
-    printCpuIngressCountersPerCoppClass(printer, accessor, status, Hardware::Loam::nullFap,
-                                        Hardware::Loam::aggregateCore, noQueueCol, queueClasses, true,
-                                        perInputPort, attrs);
+    if (status != nullptr && accessor != nullptr) {
+      printCpuIngressCountersPerCoppClass(printer, accessor, status, Hardware::Loam::nullFap,
+                                          Hardware::Loam::aggregateCore, noQueueCol, queueClasses, true,
+                                          perInputPort, attrs);
+    }
     printer.addFrills<"\n">();
   };
   attrs.sourceAttr.setValue("all");
@@ -90,12 +63,15 @@ void printIngressSummary(tabula::Printer& printer, const CounterEngineAccessor::
 
 void printIngressPerFapCore(tabula::Printer& printer, const CounterEngineAccessor::PtrConst& accessor,
                             const Status::PtrConst& status, bool perInputPort, QueueCountersAttrs& attrs) {
+  if (status == nullptr) return;
   FapCores(status).walk(FapCores::Step::toAnotherCore, [&](FapId fap, LocalCoreId core,
                                                            const Mote::String& label) {
     const auto table = [&](U32 colWidth, bool queueClasses, const char* subtitle) {
       printIngressQueueCounterHeader(printer, label + ":", true, colWidth, subtitle);
-      printCpuIngressCountersPerCoppClass(printer, accessor, status, fap, core, colWidth, queueClasses,
-                                          !queueClasses, perInputPort, attrs);
+      if (accessor != nullptr) {
+        printCpuIngressCountersPerCoppClass(printer, accessor, status, fap, core, colWidth, queueClasses,
+                                            !queueClasses, perInputPort, attrs);
+      }
       printer.addFrills<"\n">();
     };
     attrs.sourceAttr.setValue(label);
@@ -108,24 +84,6 @@ void printIngressPerFapCore(tabula::Printer& printer, const CounterEngineAccesso
     printer.endDict();
     printer.endDictEntry();
   });
-}
-
-/// Adds an interface's counts over its traffic classes. A queue that traffic classes t and t + 4 share counts
-/// once, under t.
-void addIntfEgrCpuCounters(const CounterEngineAccessor::PtrConst& accessor, CpuPortCounters& counters,
-                           Nexo::IntfId intf, bool queueMode) {
-  const EgressCounterKey key{intf, egressKeyEntry};
-  if (!queueMode) {
-    const EgressCounter record = accessor->egressCounter(key);
-    for (U32 tc = 0; tc < trafficClasses; ++tc) counters[destTypeUnicast] += record.quad(U64{tc} * 4);
-    return;
-  }
-  const EgressTmCounter record = accessor->egressTmCounter(key);
-  for (U32 tc = 0; tc < trafficClasses; ++tc) {
-    if (tc >= 4 && record.tcLsbOfAmbiguousTcs[tc % 4]) continue;
-    counters[destTypeUnicast] += record.quad(U64{tc} * 8);
-    counters[destTypeMulticast] += record.quad(U64{tc} * 8 + 4);
-  }
 }
 
 void printCpuPorts(tabula::Printer& printer, U32 fmt, const CounterEngineAccessor::PtrConst& accessor,
@@ -151,19 +109,57 @@ void printCpuPorts(tabula::Printer& printer, U32 fmt, const CounterEngineAccesso
 
 }  // namespace
 
+void printCpuIngressCountersPerCoppClass(tabula::Printer& printer,
+                                         const CounterEngineAccessor::PtrConst& accessor,
+                                         const Status::PtrConst& status, FapId fapId, LocalCoreId coreId,
+                                         U32 queueColWidth, bool queueClasses, bool totalsOnly,
+                                         bool perInputPortCoppVoqsSupported, QueueCountersAttrs& attrs) {
+  const IntfIdSet classes = queueClasses ? coppQueueClasses(status) : coppPolicerClasses(status);
+  const bool totals = totalsOnly || !queueClasses;
+  std::vector<Mote::String> labels;
+  if (totals) {
+    VANE_ASSERT(queueColWidth == 0);
+    labels.emplace_back("");
+  } else {
+    labels = voqLabels(*status, fapId, coreId, perInputPortCoppVoqsSupported);
+    VANE_ASSERT(queueColWidth > 0);
+  }
+  const Nexo::IntfId trafficManager("CpuTm0");
+  const Nexo::IntfId systemDefault("CoppSystemDefault");
+  for (const Nexo::IntfId intf : classes) {
+    const IngressTcCounter counters = accessor->ingressTcCounter(fapId, coreId, intf);
+    const Nexo::IntfId shown = intf == trafficManager ? systemDefault : intf;
+    printIngressCounters(printer, shown, shown.stringValue(), static_cast<U32>(labels.size()), labels,
+                         queueColWidth, totals, true, counters, attrs);
+  }
+}
+
+void addIntfEgrCpuCounters(const CounterEngineAccessor::PtrConst& accessor, CpuPortCounters& cpuPortCounters,
+                           Nexo::IntfId intf, bool queueMode) {
+  const EgressCounterKey key{intf, egressKeyEntry};
+  if (!queueMode) {
+    const EgressCounter record = accessor->egressCounter(key);
+    for (U32 tc = 0; tc < trafficClasses; ++tc) cpuPortCounters[destTypeUnicast] += record.quad(U64{tc} * 4);
+    return;
+  }
+  const EgressTmCounter record = accessor->egressTmCounter(key);
+  for (U32 tc = 0; tc < trafficClasses; ++tc) {
+    if (tc >= 4 && record.tcLsbOfAmbiguousTcs[tc % 4]) continue;
+    cpuPortCounters[destTypeUnicast] += record.quad(U64{tc} * 8);
+    cpuPortCounters[destTypeMulticast] += record.quad(U64{tc} * 8 + 4);
+  }
+}
+
 void printShowCpuQueueCounters(tabula::Printer& printer, U32 fmt,
                                const CounterEngineAccessor::PtrConst& accessor,
                                const Status::PtrConst& status, bool summary,
                                bool perInputPortCoppVoqsSupported) {
-  const bool readable = status != nullptr && accessor != nullptr;
   QueueCountersAttrs attrs(printer);
   printer.start();
   printer.startSubmodel("ingressVoqs");
   printer.startDict("sources");
-  if (readable) {
-    const auto printIngress = summary ? printIngressSummary : printIngressPerFapCore;
-    printIngress(printer, accessor, status, perInputPortCoppVoqsSupported, attrs);
-  }
+  const auto printIngress = summary ? printIngressSummary : printIngressPerFapCore;
+  printIngress(printer, accessor, status, perInputPortCoppVoqsSupported, attrs);
   printer.endDict();
   printer.endSubmodel();
 
@@ -175,7 +171,7 @@ void printShowCpuQueueCounters(tabula::Printer& printer, U32 fmt,
   printer.startDict("sources");
   printer.startDictEntry(attrs.sourceAttr);
   printer.startDict("cpuPorts");
-  if (readable) printCpuPorts(printer, fmt, accessor, status, attrs);
+  if (status != nullptr && accessor != nullptr) printCpuPorts(printer, fmt, accessor, status, attrs);
   printer.endDict();
   printer.endDictEntry();
   printer.endDict();

@@ -1,7 +1,5 @@
 #include "LoamCounters/QueueCountersPrinter/EgressRows.h"
 
-#include <array>
-
 #include "LoamCounters/QueueCountersPrinter/Labels.h"
 
 namespace LoamCounters {
@@ -27,7 +25,7 @@ struct Pass {
     // A pass over one destination type steps over the other's quad in records that hold both.
     const bool skipsOther = !unicastOnly && fmt == tabula::formatJson;
     const U32 stride = skipsOther ? destTypes * countsPerQuad : countsPerQuad;
-    U32 index = firstDestType * countsPerQuad;
+    U64 index = U64{firstDestType} * countsPerQuad;
     U32 tcCount = 0;
     for (U32 tc = 0; tc <= lastTc; ++tc) {
       const bool ambiguous = isAmbiguous(record, tc);
@@ -100,8 +98,8 @@ void printEgressCounters(tabula::Printer& printer, U32 fmt, Nexo::IntfId intf, U
   const Mote::String destLabel = destTypeLabel(destType, fmt);
   attrs.destTypeAttr.setValue(destLabel);
 
+  attrs.intfAttr.setValue(intf.stringValue());
   if (opens) {
-    attrs.intfAttr.setValue(intf.stringValue());
     if (destType == destTypeUnicast) printer.startDictEntry(attrs.intfAttr);
     printer.startSubmodel(destLabel);
     printer.startDict(cpuQueue ? "queues" : "trafficClasses");
@@ -137,7 +135,7 @@ void printEgressCounters(tabula::Printer& printer, U32 fmt, Nexo::IntfId intf, U
 
 void printIntfTcEgrCounters(tabula::Printer& printer, U32 fmt, U32 tc, const EgressTmCounter& counter,
                             QueueCountersAttrs& attrs) {
-  const U32 base = tc * destTypes * countsPerQuad;
+  const U64 base = U64{tc} * destTypes * countsPerQuad;
   const CounterQuad unicast = counter.quad(base);
   const CounterQuad multicast = counter.quad(base + countsPerQuad);
   printIntfTcEgrQuads(printer, fmt, unicast + multicast, unicast, multicast, attrs);
@@ -146,10 +144,6 @@ void printIntfTcEgrCounters(tabula::Printer& printer, U32 fmt, U32 tc, const Egr
 void printIntfTcEgrQuads(tabula::Printer& printer, U32 fmt, const CounterQuad& sum,
                          const CounterQuad& unicast, const CounterQuad& multicast,
                          QueueCountersAttrs& attrs) {
-  static const std::array<Mote::String, destTypes> rowLabels = {
-      " - " + allDpLabel + " " + destTypeLabel(destTypeUnicast, tabula::formatText),
-      " - " + allDpLabel + " " + destTypeLabel(destTypeMulticast, tabula::formatText)};
-
   printer.addFrills<"%-15s %7s ">(" Egress queue", "");
   printer.startSubmodel("countersSum");
   printCounterColumns(printer, sum, attrs);
@@ -161,7 +155,7 @@ void printIntfTcEgrQuads(tabula::Printer& printer, U32 fmt, const CounterQuad& s
   for (const U32 destType : {destTypeUnicast, destTypeMulticast}) {
     const Mote::String destLabel = destTypeLabel(destType, fmt);
     printer.startSubmodel(destLabel);
-    printer.addFrills<"%-15s %7s ">(rowLabels[destType], "");
+    printer.addFrills<" - %s %-6s %7s ">(allDpLabel, destLabel, "");  // 15 columns to the label
     printCounterColumns(printer, destType == destTypeUnicast ? unicast : multicast, attrs);
     printer.endSubmodel();
   }

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "LoamCounters/QueueCountersPrinter/Commands.h"
 #include "LoamCounters/QueueCountersPrinter/FapCores.h"
 #include "LoamCounters/QueueCountersPrinter/IngressRows.h"
@@ -12,15 +14,16 @@ void printShowInterfacesQueueIngressCounters(tabula::Printer& printer,
   QueueCountersAttrs attrs(printer);
   printer.start();
   printer.startDict("sources");
-  if (status != nullptr && accessor != nullptr) {
-    IngressTable table(printer, *accessor, *intfLists, *status, attrs);
+  if (status != nullptr) {
+    std::optional<IngressTable> table;
+    if (accessor != nullptr) table.emplace(printer, *accessor, *intfLists, *status, attrs);
     FapCores(status).walk(
         FapCores::Step::toAnotherCore, [&](FapId fap, LocalCoreId core, const Mote::String& label) {
           attrs.sourceAttr.setValue(label);
           printIngressQueueCounterHeader(printer, label + ":", false, trafficClassColWidth, "");
           printer.startDictEntry(attrs.sourceAttr);
           printer.startDict("interfaces");
-          table.print(fap, core, internal);
+          if (table) table->print(fap, core, internal);
           printer.endDict();
           printer.endDictEntry();
           printer.addFrills<"\n">();

@@ -178,6 +178,7 @@ inline AllIntfList::Ptr allIntfListFactory() {
 class OrderedSystemPhyPortId : public Vane::Entity<OrderedSystemPhyPortId> {
  public:
   using Ptr = Mote::Ptr<OrderedSystemPhyPortId>;
+  using PtrConst = Mote::Ptr<const OrderedSystemPhyPortId>;
   using Port = Hardware::Loam::SystemPhyPortId;
   using Map = Vane::OrderedMap<Port, bool>;
   static constexpr std::string_view vaneName = "LoamCounters::OrderedSystemPhyPortId";
@@ -204,6 +205,7 @@ inline OrderedSystemPhyPortId::Ptr orderedSystemPhyPortIdFactory() {
 class TcContainer : public Vane::Entity<TcContainer> {
  public:
   using Ptr = Mote::Ptr<TcContainer>;
+  using PtrConst = Mote::Ptr<const TcContainer>;
   using Map = Vane::OrderedMap<U32, IngressCounter>;
   static constexpr std::string_view vaneName = "LoamCounters::TcContainer";
 
@@ -233,6 +235,7 @@ inline TcContainer::Ptr tcContainerFactory(Nexo::IntfId intfId) {
 class InterfaceTcContainer : public Vane::Entity<InterfaceTcContainer> {
  public:
   using Ptr = Mote::Ptr<InterfaceTcContainer>;
+  using PtrConst = Mote::Ptr<const InterfaceTcContainer>;
   using Map = Vane::HashMap<Nexo::IntfId, TcContainer::Ptr>;
   static constexpr std::string_view vaneName = "LoamCounters::InterfaceTcContainer";
 

@@ -55,13 +55,9 @@ class Walk {
 
 // Digits after a point compare from the left, with zeros at the end of no account: a run that ends first
 // orders first. Other digits compare by value: without zeros at the front, the shorter run is the smaller
-// number.
+// number. What stands before the digits is the same in both.
 std::strong_ordering compareDigits(const Walk& a, const Walk& b) {
-  if (a.afterPoint() && b.afterPoint()) {
-    return withoutTrailingZeros(a.digits()) <=> withoutTrailingZeros(b.digits());
-  }
-  if (a.afterPoint()) return std::strong_ordering::greater;
-  if (b.afterPoint()) return std::strong_ordering::equal;
+  if (a.afterPoint()) return withoutTrailingZeros(a.digits()) <=> withoutTrailingZeros(b.digits());
   const std::string_view left = withoutLeadingZeros(a.digits());
   const std::string_view right = withoutLeadingZeros(b.digits());
   const auto bySize = left.size() <=> right.size();

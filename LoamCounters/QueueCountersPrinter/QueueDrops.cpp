@@ -52,7 +52,7 @@ class DropsTable {
     printer_.startDictEntry(attrs_.intfAttr);
     printer_.startDict("trafficClasses");
     const bool isSubIntf = Nexo::SubIntfId::isSubIntfId(intf);
-    if (isSubIntf && subIntfNames_.empty()) {
+    if (isSubIntf && subIntfNames_.size() != status_->subIntfNumVoqs) {
       subIntfNames_ = queueNamesByQueuesPerPort(status_->subIntfNumVoqs, trafficClasses);
     }
     const std::vector<Mote::String>& names = isSubIntf ? subIntfNames_ : portNames_;
@@ -129,7 +129,7 @@ class DropsTable {
   bool portDefault_;
   bool queueDefault_;
   std::vector<Mote::String> portNames_;
-  std::vector<Mote::String> subIntfNames_;  // made for the first sub-interface
+  std::vector<Mote::String> subIntfNames_;  // made anew when the switch changes their number
 
   // Of the interface being printed; each record is set where its mode applies.
   bool usesPort_ = false;

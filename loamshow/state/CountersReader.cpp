@@ -14,12 +14,7 @@ using LoamCounters::CounterQuad;
 
 CounterQuad quad(JsonValue array) {
   std::array<U64, 4> counts{};
-  std::size_t size = 0;
-  for (const JsonValue element : array.elements()) {
-    if (size == counts.size()) array.fail("expected four counts");
-    counts[size++] = element.integer(0, most<U64>);
-  }
-  if (size != counts.size()) array.fail("expected four counts");
+  array.integers(counts, "expected four counts");
   return {counts[0], counts[1], counts[2], counts[3]};
 }
 
@@ -27,7 +22,8 @@ CounterQuad quad(JsonValue array) {
 template <class Read>
 void readQueues(JsonValue array, std::size_t capacity, Read read) {
   std::size_t size = 0;
-  for (const JsonValue element : array.elements()) {
+  for (JsonElements elements(array); elements.next();) {
+    const JsonValue element = elements.value();
     if (size == capacity) array.fail("expected at most " + std::to_string(capacity) + " queues");
     read(size++, element);
   }
@@ -100,7 +96,7 @@ LoamCounters::EgressCounter egressCounter(JsonValue object) {
 
 void readAmbiguousTcs(JsonValue array, LoamCounters::EgressTmCounter& record) {
   auto& ambiguous = record.tcLsbOfAmbiguousTcs;
-  for (const JsonValue tc : array.elements()) ambiguous[tc.integer(0, ambiguous.size() - 1)] = true;
+  for (JsonElements tcs(array); tcs.next();) ambiguous[tcs.value().integer(0, ambiguous.size() - 1)] = true;
 }
 
 /// A record of unicast and multicast quads.
@@ -148,11 +144,11 @@ Keel::MaybeU63 maybeCount(JsonValue value) {
 }
 
 void readEgressMtu(JsonValue object, LoamCounters::MemoryCounterTables& counters) {
-  readMap(object, counters.egressMtu, fapKey, [&](JsonValue entry) {
+  readMap(object, counters.egressMtu, fapKey, [&](const JsonMembers& mtu) {
     Keel::MaybeU63 enqueued;
     Keel::MaybeU63 dropped;
     Keel::MaybeU63 total;
-    for (JsonMembers in(entry); in.next();) {
+    for (JsonMembers in(mtu.value()); in.next();) {
       if (in.is("enqueuedPackets")) {
         enqueued = maybeCount(in.value());
       } else if (in.is("droppedPackets")) {
@@ -163,7 +159,7 @@ void readEgressMtu(JsonValue object, LoamCounters::MemoryCounterTables& counters
         in.unknown();
       }
     }
-    counters.egressMtuTotal.set(fapKey(entry), total);
+    counters.egressMtuTotal.set(fapKey(mtu), total);
     return LoamCounters::EgressMtuCounter(enqueued, dropped, {});
   });
 }
@@ -174,7 +170,7 @@ void readCounters(JsonValue object, LoamCounters::MemoryCounterTables& counters)
   for (JsonMembers in(object); in.next();) {
     const JsonValue value = in.value();
     if (in.is("ingress")) {
-      for (const JsonValue entry : value.elements()) readIngressEntry(entry, counters);
+      for (JsonElements entries(value); entries.next();) readIngressEntry(entries.value(), counters);
     } else if (in.is("egress")) {
       readMap(value, counters.egress, intfKey, egressCounter);
     } else if (in.is("egressTm")) {

@@ -13,10 +13,10 @@ using Brim::Counters::CounterFieldDescriptor;
 using Brim::Counters::MemoryShmemManager;
 using Brim::Counters::ShmemManager;
 
-CounterFieldDescriptor::PtrConst field(JsonValue member) {
+CounterFieldDescriptor::PtrConst field(const JsonMembers& member) {
   const auto field = Mote::make<CounterFieldDescriptor>();
   field->displayName = nameKey(member);
-  for (JsonMembers in(member); in.next();) {
+  for (JsonMembers in(member.value()); in.next();) {
     const JsonValue value = in.value();
     if (in.is("displayName")) {
       field->displayName = name(value);
@@ -35,10 +35,10 @@ CounterFieldDescriptor::PtrConst field(JsonValue member) {
   return field;
 }
 
-CounterDescriptor::PtrConst descriptor(JsonValue member) {
+CounterDescriptor::PtrConst descriptor(const JsonMembers& member) {
   const auto descriptor = Mote::make<CounterDescriptor>();
   descriptor->displayName = nameKey(member);
-  for (JsonMembers in(member); in.next();) {
+  for (JsonMembers in(member.value()); in.next();) {
     const JsonValue value = in.value();
     if (in.is("displayName")) {
       descriptor->displayName = name(value);
@@ -110,7 +110,7 @@ Counter counter(JsonValue object) {
 
 std::vector<Counter> counters(JsonValue array) {
   std::vector<Counter> counters;
-  for (const JsonValue record : array.elements()) counters.push_back(counter(record));
+  for (JsonElements records(array); records.next();) counters.push_back(counter(records.value()));
   return counters;
 }
 
@@ -122,10 +122,10 @@ ShmemManager::PtrConst manager(JsonValue object) {
 
 void readFaps(JsonValue object, std::vector<DebugFap>& faps) {
   Vane::HashMap<Mote::String, bool> seen;
-  readMap(object, seen, nameKey, [&](JsonValue member) {
+  readMap(object, seen, nameKey, [&](const JsonMembers& member) {
     DebugFap& fap = faps.emplace_back(DebugFap{nameKey(member), nullptr, nullptr});
     const auto descriptor = Mote::make<LoamCounters::FapDescriptor>();
-    for (JsonMembers in(member); in.next();) {
+    for (JsonMembers in(member.value()); in.next();) {
       if (in.is("directory")) {
         descriptor->counterDescriptorDir = directory(in.value());
       } else if (in.is("snapshots")) {

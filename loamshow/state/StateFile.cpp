@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "loamshow/json/JsonDocument.h"
+#include "loamshow/json/JsonReader.h"
 #include "loamshow/state/StateReaders.h"
 #include "loamshow/state/StateValues.h"
 
@@ -70,7 +70,8 @@ void readOnly(JsonValue object, std::string_view memberName, Read read) {
 
 void readInterfaces(JsonValue array, std::vector<IntfId>& interfaces) {
   Vane::HashMap<IntfId, bool> seen;
-  for (const JsonValue element : array.elements()) {
+  for (JsonElements elements(array); elements.next();) {
+    const JsonValue element = elements.value();
     interfaces.push_back(intf(element));
     if (interfaces.back() == IntfId()) element.fail("expected an interface name");
     if (seen.contains(interfaces.back())) element.fail("repeated entry");
@@ -86,7 +87,7 @@ SwitchState loadStateFile(const std::string& path) {
 }
 
 SwitchState parseState(const std::string& name, std::string_view text) {
-  const JsonDocument document(name, text);
+  JsonReader document(name, JsonText(text));
   SwitchState state;
   for (JsonMembers in(document.root()); in.next();) {
     const JsonValue value = in.value();
@@ -99,8 +100,8 @@ SwitchState parseState(const std::string& name, std::string_view text) {
                [&](JsonValue ports) { readSet(ports, state.tmMapping->portTmMap, id<SystemPhyPortId>); });
     } else if (in.is("internalLagStatus")) {
       readOnly(value, "lagIngressVoqCounterTable", [&](JsonValue intfs) {
-        for (const JsonValue member : intfs.elements()) {
-          state.internalLagStatus->lagIngressVoqCounterTable.set(intf(member), true);
+        for (JsonElements members(intfs); members.next();) {
+          state.internalLagStatus->lagIngressVoqCounterTable.set(intf(members.value()), true);
         }
       });
     } else if (in.is("fabricMcastVoq")) {
@@ -115,6 +116,7 @@ SwitchState parseState(const std::string& name, std::string_view text) {
       in.unknown();
     }
   }
+  document.finish();
   return state;
 }
 

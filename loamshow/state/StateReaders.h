@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "loamshow/json/JsonDocument.h"
+#include "loamshow/json/JsonReader.h"
 #include "loamshow/state/StateFile.h"
 #include "platform/CounterAgent.h"
 #include "platform/HardwareLoam.h"

@@ -2,10 +2,11 @@
 
 // The values of a state file, each read as the type it stands for.
 
+#include <concepts>
 #include <limits>
 #include <string_view>
 
-#include "loamshow/json/JsonDocument.h"
+#include "loamshow/json/JsonReader.h"
 #include "platform/HardwareLoam.h"
 #include "platform/Nexo.h"
 
@@ -24,7 +25,8 @@ inline Mote::String checkedName(JsonValue value, std::string_view text) {
 }
 
 inline Mote::String name(JsonValue value) {
-  return checkedName(value, value.text());
+  const std::string_view text = value.text();
+  return checkedName(value, text);
 }
 
 inline IntfId intf(JsonValue value) {
@@ -49,42 +51,46 @@ inline FapId fap(JsonValue value) {
 
 // The keys of collections.
 
-inline FapId fapKey(JsonValue member) {
+inline FapId fapKey(const JsonMembers& member) {
   return FapId(member.keyInteger(FapId::lowest, FapId::highest - 1));
 }
 
-inline SystemPhyPortId portKey(JsonValue member) {
+inline SystemPhyPortId portKey(const JsonMembers& member) {
   return SystemPhyPortId(member.keyInteger(SystemPhyPortId::lowest, SystemPhyPortId::highest));
 }
 
-inline U16 smallKey(JsonValue member) {
+inline U16 smallKey(const JsonMembers& member) {
   return static_cast<U16>(member.keyInteger(0, most<U16>));
 }
 
-inline Mote::String nameKey(JsonValue member) {
-  return checkedName(member, member.key());
+inline Mote::String nameKey(const JsonMembers& member) {
+  return checkedName(member.value(), member.key());
 }
 
-inline IntfId intfKey(JsonValue member) {
+inline IntfId intfKey(const JsonMembers& member) {
   return IntfId(nameKey(member));
 }
 
 /// Fills a collection from an object.
 template <class Map, class ReadKey, class ReadItem>
 void readMap(JsonValue object, Map& map, ReadKey readKey, ReadItem readItem) {
-  for (const JsonValue member : object.members()) {
-    const auto key = readKey(member);
-    if (map.contains(key)) member.fail("repeated key");
-    map.set(key, readItem(member));
+  for (JsonMembers in(object); in.next();) {
+    const auto key = readKey(in);
+    if (map.contains(key)) in.value().fail("repeated key");
+    if constexpr (std::invocable<ReadItem, JsonValue>) {
+      map.set(key, readItem(in.value()));
+    } else {
+      map.set(key, readItem(in));
+    }
   }
 }
 
 /// Fills a set from an array.
 template <class Map, class ReadKey>
 void readSet(JsonValue array, Map& set, ReadKey readKey) {
-  for (const JsonValue element : array.elements()) {
-    const auto key = readKey(element);
-    if (set.contains(key)) element.fail("repeated entry");
+  for (JsonElements in(array); in.next();) {
+    const auto key = readKey(in.value());
+    if (set.contains(key)) in.value().fail("repeated entry");
     set.set(key, true);
   }
 }

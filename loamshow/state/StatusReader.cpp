@@ -33,7 +33,8 @@ PortMap portMap(JsonValue entry) {
 }
 
 void readPortMapToIntfId(JsonValue array, Status& status) {
-  for (const JsonValue entry : array.elements()) {
+  for (JsonElements entries(array); entries.next();) {
+    JsonValue entry = entries.value();
     PortMap place;
     IntfId intfId;
     for (JsonMembers in(entry); in.next();) {
@@ -49,7 +50,8 @@ void readPortMapToIntfId(JsonValue array, Status& status) {
 }
 
 void readRecircPort(JsonValue array, Status& status) {
-  for (const JsonValue entry : array.elements()) {
+  for (JsonElements entries(array); entries.next();) {
+    JsonValue entry = entries.value();
     Hardware::Loam::RecircPort recircPort;
     Vane::Optional<SystemPhyPortId> port;
     for (JsonMembers in(entry); in.next();) {

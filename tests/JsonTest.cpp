@@ -1,0 +1,170 @@
+// The host's JSON reader and writer, by themselves.
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "loamshow/json/JsonReader.h"
+#include "loamshow/json/JsonWriter.h"
+
+namespace loamtest {
+
+namespace {
+
+using namespace loamshow;
+
+using Layout = JsonWriter::Layout;
+
+/// Reads a document whose members are "port", "ports", "real" and "nested"; an object like it nested.
+std::string readMember(JsonValue object) {
+  std::string read;
+  for (JsonMembers in(object); in.next();) {
+    if (in.is("port")) {
+      read += " " + std::to_string(in.value().integer(0, 7));
+    } else if (in.is("ports")) {
+      U64 ports[2] = {};
+      in.value().integers(ports, "expected two ports");
+      read += " " + std::to_string(ports[0]) + "," + std::to_string(ports[1]);
+    } else if (in.is("real")) {
+      read += " " + std::string(std::signbit(in.value().real()) ? "negative" : "positive");
+    } else if (in.is("text")) {
+      read += " " + (in.value().isNull() ? "null" : std::string(in.value().text()));
+    } else if (in.is("nested")) {
+      for (JsonElements elements(in.value()); elements.next();) read += readMember(elements.value());
+    } else {
+      in.unknown();
+    }
+  }
+  return read;
+}
+
+std::string readDocument(const std::string& text) {
+  try {
+    JsonReader reader("x", JsonText(text));
+    const std::string read = readMember(reader.root());
+    reader.finish();
+    return read;
+  } catch (const InputError& error) {
+    return error.what();
+  }
+}
+
+TEST(JsonReader, ReadsForwardsAndExplainsItsErrors) {
+  const std::pair<std::string, const char*> cases[] = {
+      {R"({"port": 7, "nested": [{}, {"ports": [0, 18446744073709551615], "real": 1}], "text": "\u00e9\n"})",
+       " 7 0,18446744073709551615 positive \u00e9\n"},
+      {R"({"port": -0, "ports": [-0, 1], "real": -0.0, "text": null})", " 0 0,1 negative null"},
+      {R"({"real": -0})", " positive"},
+      {R"({"po\u0072t": 1})", " 1"},
+      // Values of a wrong type or range.
+      {R"({"port": 8})", "x: /port: expected an integer from 0 to 7"},
+      {R"({"port": 1.0})", "x: /port: expected an integer from 0 to 7"},
+      {R"({"port": -1})", "x: /port: expected an integer from 0 to 7"},
+      {R"({"port": 18446744073709551616})", "x: /port: expected an integer from 0 to 7"},
+      {R"({"port": true})", "x: /port: expected a number"},
+      {R"({"nested": [{}, {"ports": [1, "2"]}]})", "x: /nested/1/ports/1: expected a number"},
+      {R"({"nested": [{}, {"ports": [1]}]})", "x: /nested/1/ports: expected two ports"},
+      {R"({"nested": [{"ports": [1, 2, [3]]}]})", "x: /nested/0/ports: expected two ports"},
+      {R"({"ports": {}})", "x: /ports: expected an array"},
+      {R"({"nested": [{"port": 1}, []]})", "x: /nested/1: expected an object"},
+      {R"({"real": "1"})", "x: /real: expected a number"},
+      {R"({"real": 1e400})", "x: /real: number overflow parsing '1e400'"},
+      {R"({"text": 1})", "x: /text: expected a string"},
+      {R"({"port": 1, "nested": [{"port": 2, "port": 3}]})", "x: /nested/0/port: repeated member"},
+      {R"({"nested": [{"Prot": [{}]}]})", "x: /nested/0/Prot: unknown member; did you mean port?"},
+      {R"({"a~/b": 1})", "x: /a~0~1b: unknown member"},
+      // What is no object, or no JSON.
+      {"", "x: the file is empty"},
+      {" 17 ", "x: expected an object"},
+      {"[1]", "x: expected an object"},
+      {"\xef\xbb\xbf{}", "x: a byte-order mark where JSON was expected"},
+      {std::string("{}\0", 3), "x: a NUL byte where JSON was expected"},
+      {std::string("{\"text\": \"\0\"}", 13), "x: a NUL byte where JSON was expected"},
+      {"{\n \"port\": 1x}",
+       "x: parse error at line 2, column 11: syntax error while parsing object - invalid "
+       "literal; last read: '1x'; expected '}'"},
+      {"{\"port\": 1} {}",
+       "x: parse error at line 1, column 13: syntax error while parsing value - unexpected "
+       "'{'; expected end of input"},
+      {"{\"port\": 1",
+       "x: parse error at line 1, column 11: syntax error while parsing object - unexpected end of "
+       "input; expected '}'"},
+      {"{\"port\" 1}",
+       "x: parse error at line 1, column 9: syntax error while parsing object separator - "
+       "unexpected number literal; expected ':'"},
+  };
+  for (const auto& [text, read] : cases) EXPECT_EQ(readDocument(text), read) << text;
+}
+
+void writeDocument(JsonWriter& out) {
+  out.beginObject();
+  out.member("count", ~U64{0});
+  out.member("small", U8{7});
+  out.member("yes", true);
+  out.key("none");
+  out.null();
+  out.member("a\"b", "\\ / \n\t\r\b\f\x01\x1f\x7f \u00e9");
+  out.key("empty");
+  out.beginObject();
+  out.endObject();
+  out.key("list");
+  out.beginArray();
+  for (const double number : {0.0, 1.5, 1700000000.0, -0.1, 1e16, 1e17, 1e-5, 1.25e-6, 5e-324})
+    out.value(number);
+  out.beginArray();
+  out.endArray();
+  out.beginObject();
+  out.member("last", "");
+  out.endObject();
+  out.endArray();
+  out.endObject();
+}
+
+TEST(JsonWriter, LaysOutOnLinesOrOnOne) {
+  std::string lines;
+  JsonWriter indented(lines, Layout::indented);
+  writeDocument(indented);
+  EXPECT_EQ(lines, R"({
+  "count": 18446744073709551615,
+  "small": 7,
+  "yes": true,
+  "none": null,
+  "a\"b": "\\ / \n\t\r\b\f\u0001\u001f)"
+                   "\x7f"
+                   R"( é",
+  "empty": {},
+  "list": [
+    0,
+    1.5,
+    1700000000,
+    -0.1,
+    10000000000000000,
+    1e+17,
+    0.00001,
+    1.25e-06,
+    5e-324,
+    [],
+    {
+      "last": ""
+    }
+  ]
+}
+)");
+  std::string pieces;
+  JsonWriter oneLine([&](std::string_view piece) { pieces += piece; }, Layout::oneLine);
+  writeDocument(oneLine);
+  writeDocument(oneLine);
+  std::string joined;
+  for (std::size_t at = 0; at < lines.size(); ++at) {
+    if (lines[at] == '\n') {
+      at = std::min(lines.find_first_not_of(' ', at + 1), lines.size()) - 1;
+    } else if (lines[at] != ' ' || lines[at - 1] != ':') {
+      joined += lines[at];
+    }
+  }
+  EXPECT_EQ(pieces, joined + "\n" + joined + "\n");
+}
+
+}  // namespace
+
+}  // namespace loamtest

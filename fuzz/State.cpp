@@ -1,4 +1,5 @@
-// A state file: refused with a message that names it, or a switch of which every command can be asked.
+// A state file: refused with a message that names it, or a switch that can be checked, and of which every
+// command can be asked.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -9,6 +10,7 @@
 #include "fuzz/Fuzz.h"
 #include "loamshow/cli/CommandLine.h"
 #include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/Check.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 
@@ -49,6 +51,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const loamshow::SwitchState state = loamshow::parseState("state", text);
+    for (const loamshow::Finding& finding : loamshow::check(state)) {
+      loamfuzz::require(finding.member.starts_with('/') && !finding.problem.empty());
+    }
     loamshow::mountProcessWide(state);
     for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu"}) {
       for (const U32 format : {1U, 2U}) ask(state, name, format, fd);

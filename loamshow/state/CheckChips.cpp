@@ -1,0 +1,53 @@
+// The chips, and what the CPU commands need of them.
+
+#include "loamshow/state/CheckParts.h"
+
+namespace loamshow {
+
+using Hardware::Loam::FapPortId;
+using Hardware::Loam::LocalCoreId;
+
+namespace {
+
+constexpr U32 mostCores = LocalCoreId::highest + 1;
+constexpr U32 mostCoresOfDrops = LocalCoreId::highest;
+
+/// The highest FAP port that names a VOQ of a CoPP class, where each input port has one: core c's ports start
+/// at 64 c, but those of the core whose number stands for all cores start at 0.
+U32 highestVoqPort(U32 cores, U32 voqs) {
+  constexpr U32 portsPerCore = 64;
+  U32 core = std::min(cores, mostCores) - 1;
+  if (core == Hardware::Loam::aggregateCore.value()) --core;
+  return core * portsPerCore + voqs - 1;
+}
+
+}  // namespace
+
+void checkCores(const SwitchState& state, Findings& findings) {
+  const U32 voqs = state.status->coppClassNumVoqs;
+  for (const auto& [fap, cores] : state.status->fapNumCores) {
+    const auto find = [&, fap = fap](const std::string& problem) {
+      findings.push_back({member("status", "fapNumCores", fap.value()), problem});
+    };
+    if (cores > mostCoresOfDrops) {
+      find(std::to_string(cores) + " cores: drops shows " + std::to_string(mostCoresOfDrops) +
+           " at the most, ingress and cpu " + std::to_string(mostCores));
+    }
+    if (!state.perInputPortCoppVoqs || cores == 0 || voqs == 0) continue;
+    const U32 port = highestVoqPort(cores, voqs);
+    if (port > FapPortId::highest) {
+      find("cpu needs FAP port " + std::to_string(port) + " (perInputPortCoppVoqs, coppClassNumVoqs " +
+           std::to_string(voqs) + "), but the highest is " + std::to_string(FapPortId::highest));
+    }
+  }
+}
+
+void checkCopp(const SwitchState& state, Findings& findings) {
+  constexpr U32 mostVoqs = LoamCounters::IngressTcCounter::capacity;
+  const U32 voqs = state.status->coppClassNumVoqs;
+  if (voqs <= mostVoqs) return;
+  findings.push_back({member("status", "coppClassNumVoqs"), std::to_string(voqs) + " VOQs: cpu shows " +
+                                                                std::to_string(mostVoqs) + " at the most"});
+}
+
+}  // namespace loamshow

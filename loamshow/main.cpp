@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "loamshow/cli/CommandLine.h"
+#include "loamshow/cli/Completion.h"
 #include "loamshow/cli/IntfArguments.h"
 #include "loamshow/commands/Interrupts.h"
 #include "loamshow/commands/Plugin.h"
@@ -38,16 +39,19 @@ fs::path programDirectory() {
 
 std::string statePath(const CommandLine& line) {
   if (line.state) return *line.state;
+  if (line.sample) return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
   const char* fromEnvironment = std::getenv("LOAM_STATE");  // NOLINT(concurrency-mt-unsafe): one thread
   if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
-  return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
+  throw InputError("no switch given: name its state file with -s or LOAM_STATE, or use --sample");
 }
 
 std::string pluginPath(const CommandLine& line) {
   constexpr const char* fileName = "LoamCounters.so";
-  if (line.plugin) return fs::absolute(*line.plugin);
+  // A name without a slash would be looked for where the system keeps its libraries.
+  if (line.plugin) return line.plugin->find('/') == std::string::npos ? "./" + *line.plugin : *line.plugin;
   const fs::path beside = programDirectory() / fileName;
-  return fs::exists(beside) ? beside : programDirectory() / LOAM_PLUGIN_FROM_BIN / fileName;
+  std::error_code unreadable;
+  return fs::exists(beside, unreadable) ? beside : programDirectory() / LOAM_PLUGIN_FROM_BIN / fileName;
 }
 
 void print(std::string_view text) {
@@ -74,18 +78,24 @@ int run(const CommandLine& line) {
   return Interrupts::happened() ? exitInterrupted : exitWhole;
 }
 
+/// Whether the names of a state can be looked up at once: that of a pipe would be waited for.
+bool isFile(const std::string& path) {
+  std::error_code unreadable;
+  return fs::is_regular_file(path, unreadable);
+}
+
 /// For the completion of shells: prints what the last word can become, a line each; fails where it names a
-/// file. Nobody waits for the names of a state that is no file to look into.
+/// file.
 int complete(int argc, char** argv) {
   Completion completion = completeCommandLine(argc, argv);
-  const std::string state = statePath(completion.line);
-  if (completion.kind == Completion::Kind::interface && fs::is_regular_file(state)) {
-    completion.words = completeInterface(loadStateFile(state).interfaces, argv[argc - 1]);
+  if (completion.kind == Names::interfaces && isFile(statePath(completion.line))) {
+    const SwitchState state = loadStateFile(statePath(completion.line));
+    completion.words = completeInterface(state.interfaces, completion.typed);
   }
   std::string lines;
   for (const std::string& word : completion.words) lines += word + '\n';
   print(lines);
-  return completion.kind == Completion::Kind::file ? exitFailed : exitWhole;
+  return completion.kind == Names::files ? exitFailed : exitWhole;
 }
 
 int complain(int status, std::string_view problem) {

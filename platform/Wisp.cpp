@@ -12,6 +12,8 @@
 #include <string>
 #include <system_error>
 
+#include "platform/tabula/Utf8.h"
+
 namespace Wisp {
 
 namespace {
@@ -26,7 +28,9 @@ int openTraceFile() {
   const int above = fd < 0 ? fd : ::fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (above < 0) {
     const std::string reason = std::generic_category().message(errno);
-    std::fprintf(stderr, "trace file %s: %s\n", path, reason.c_str());
+    constexpr std::size_t most = 240;
+    const std::string name = tabula::masked(std::string_view(path).substr(0, most));
+    std::fprintf(stderr, "trace file %s: %s\n", name.c_str(), reason.c_str());
   }
   if (fd >= 0) ::close(fd);
   return above;

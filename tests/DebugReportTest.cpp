@@ -87,7 +87,11 @@ TEST(DebugReport, ShowsFapsBlocksAndCountersInNaturalOrder) {
             title("fap2") + "[B10]\n" + counterLine(' ', "Plain", "1", "never", "never") + lastFap);
   // The key of block Upper is not in lower case: nothing finds it.
   EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "Upper"}), title("fap2") + lastFap);
-  EXPECT_EQ(answer(debugSwitch(), {"debug", "-j"}), "");
+  loamshow::CommandLine inJson = parsed({"debug"});
+  inJson.format = tabula::formatJson;
+  const MemoryFile file;
+  loamshow::runShowCommand(inJson, loamshow::parseState("state", debugSwitch().dump()), file.fdNumber());
+  EXPECT_EQ(file.content(), "");
   EXPECT_EQ(answer(Json::object(), {"debug"}), "");
 }
 

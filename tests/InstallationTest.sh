@@ -15,7 +15,7 @@ diff <(cd opt && find . ! -type d | sort) <(cd deb/usr && find . ! -type d | sor
 ! grep -rlF "${build%/build/*}" opt deb || fail "installed files name the source or build directory"
 
 for prefix in opt deb/usr; do
-  cmp <("$prefix/bin/loamshow" queues) <("$build/bin/loamshow" queues -s "$build/share/loamcounters/sample-switch.json")
+  cmp <("$prefix/bin/loamshow" queues --sample) <("$build/bin/loamshow" queues -s "$build/share/loamcounters/sample-switch.json")
 done
 mv opt moved
 moved/bin/loamshow registry >log
@@ -45,6 +45,6 @@ completed() {
   _loamshow loamshow || true
   [ "${COMPREPLY[*]}" = "$2" ] || fail "$1 becomes ${COMPREPLY[*]}"
 }
-completed 'loamshow acl po' 'Port-Channel1 Port-Channel2'
+completed 'loamshow --sample acl po' 'Port-Channel1 Port-Channel2'
 completed 'loamshow --format=j' json
 LOAM_STATE=$man completed 'loamshow acl ' ''

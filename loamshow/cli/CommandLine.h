@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Mote.h"
+#include "platform/tabula.h"
 
 namespace loamshow {
 
@@ -12,8 +12,9 @@ namespace loamshow {
 struct CommandLine {
   std::string command;
   std::optional<std::string> state;
+  bool sample = false;
   std::optional<std::string> plugin;
-  U32 format = 1;  // of the answer: 1 text, 2 JSON
+  U32 format = tabula::formatText;  // of the answer: text or JSON
   std::vector<std::string> interfaces;
   bool internal = false;
   bool detail = false;
@@ -22,24 +23,23 @@ struct CommandLine {
   std::string snapshot = "current";
   bool drops = false;
   std::optional<std::string> block;
+  bool help = false;
+  bool version = false;
 
   /// Text to print instead of running a command: help, or the version.
   std::string notice;
 };
 
 /// Raises InputError for wrong usage.
-CommandLine parseCommandLine(int argc, char** argv);
+CommandLine parseCommandLine(int argc, const char* const* argv);
 
-/// What the last word of a command line, which is being typed, can become.
-struct Completion {
-  enum class Kind : U8 { words, interface, file };
-
-  Kind kind;
-  std::vector<std::string> words;  // of that kind: each with a tab and what it means, in a line
-  CommandLine line;                // what stands before
+/// A command line as far as it can be read.
+struct ReadLine {
+  CommandLine line;
+  std::string problem;  // the first one; empty: none
 };
 
-/// Raises InputError where what stands before is not to be understood.
-Completion completeCommandLine(int argc, char** argv);
+/// Reads a command line without refusing it: for completion, whose line is still being typed.
+ReadLine readCommandLine(int argc, const char* const* argv);
 
 }  // namespace loamshow

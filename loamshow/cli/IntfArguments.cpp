@@ -14,10 +14,6 @@ using Nexo::IntfId;
 
 constexpr std::string_view digits = "0123456789";
 
-std::string quoted(std::string_view text) {
-  return '"' + std::string(text) + '"';
-}
-
 std::string lowerCase(std::string_view text) {
   return std::string(Mote::String(text).lowerCase().view());
 }

@@ -8,8 +8,9 @@ namespace loamshow {
 
 void loadPlugin(const std::string& path) {
   if (::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) {
-    const char* reason = ::dlerror();  // NOLINT(concurrency-mt-unsafe): glibc keeps one per thread
-    throw InputError("cannot load the plug-in: " + std::string(reason));
+    std::string_view reason = ::dlerror();  // NOLINT(concurrency-mt-unsafe): glibc keeps one per thread
+    if (reason.starts_with(path + ": ")) reason.remove_prefix(path.size() + 2);
+    throw InputError("cannot load the plug-in: " + printable(path) + ": " + printable(reason));
   }
   if (Vane::modules().empty()) throw InputError(path + ": registers no types");
 }

@@ -58,8 +58,8 @@ std::vector<Value> interfacesAndFlags(const CommandLine& line, const SwitchState
   return {interfaceList(line, state), line.internal, line.detail};
 }
 
-std::vector<Value> cpuFlags(const CommandLine& line, const SwitchState& /*state*/) {
-  return {line.summary, line.perPort};
+std::vector<Value> cpuFlags(const CommandLine& line, const SwitchState& state) {
+  return {line.summary, state.perInputPortCoppVoqs || line.perPort};
 }
 
 constexpr QueueCommand queueCommands[] = {

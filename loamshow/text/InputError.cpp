@@ -1,28 +1,23 @@
 #include "loamshow/text/InputError.h"
 
-#include <algorithm>
+#include "platform/tabula/Utf8.h"
 
 namespace loamshow {
 
-namespace {
-
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
-
-std::string oneLine(std::string text) {
-  std::replace_if(text.begin(), text.end(), isControl, '?');
-  return text;
-}
-
-}  // namespace
-
-InputError::InputError(const std::string& problem) : std::runtime_error(oneLine(problem)) {
+InputError::InputError(const std::string& problem) : std::runtime_error(tabula::masked(problem)) {
 }
 
 std::string printable(std::string_view text) {
   constexpr std::size_t most = 240;
-  return oneLine(std::string(text.substr(0, most))) + (text.size() > most ? "..." : "");
+  if (text.size() <= most) return tabula::masked(text);
+  std::size_t end = most;
+  while (end > most - 4 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80)
+    --end;  // between characters
+  return tabula::masked(text.substr(0, end)) + "...";
+}
+
+std::string quoted(std::string_view text) {
+  return '"' + printable(text) + '"';
 }
 
 }  // namespace loamshow

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "LoamCounters/QueueCountersPrinter/CpuQueues.h"
 #include "tests/AnswerParts.h"
 
 namespace loamtest {
@@ -139,6 +140,24 @@ TEST(CpuQueues, APortWithoutAFapIsReadInEveryModeThatAFapHas) {
     for (auto& entry : state["status"]["fapRevision"].items()) entry.value()["major"] = major;
     EXPECT_THAT(answer(state, {"cpu", "--summary"}), testing::EndsWith(rows[major - 1]));
   }
+}
+
+TEST(CpuQueues, CountsOfAPortAreAdded) {
+  const auto tables = Mote::make<LoamCounters::MemoryCounterTables>();
+  LoamCounters::EgressCounter record;
+  record.quadIs(LoamCounters::EgressCounterIndex(28), {1, 2, 3, 4});
+  const Nexo::IntfId intf("C");
+  tables->egress.set(intf, record);
+  const auto entityManager = Mote::make<Cortex::EntityManager>();
+  entityManager->mountIs(LoamCounters::CounterTables::path, tables);
+  const auto accessor = Mote::make<LoamCounters::CounterEngineAccessor>(nullptr, nullptr, nullptr, nullptr,
+                                                                        entityManager, false);
+  LoamCounters::CpuPortCounters counters{};
+  for (const bool queueMode : {false, true, false}) {
+    LoamCounters::addIntfEgrCpuCounters(accessor, counters, intf, queueMode);
+  }
+  EXPECT_EQ(counters[0], (LoamCounters::CounterQuad{2, 4, 6, 8}));
+  EXPECT_EQ(counters[1], LoamCounters::CounterQuad());
 }
 
 TEST(CpuQueues, LabelsVoqsByInputPort) {

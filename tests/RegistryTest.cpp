@@ -212,6 +212,12 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   const auto counters = tcContainerFactory(Nexo::IntfId("e"));
   EXPECT_EQ(counters->tc(3), IngressCounter());
   counters->tcIs(3, {{5, 6, 7, 8}});
+  const TcContainer::PtrConst reader = counters;
+  EXPECT_EQ(reader->tc(3).droppedPackets, 7U);
+  const InterfaceTcContainer::PtrConst containers = interfaceTcContainerFactory();
+  EXPECT_EQ(containers->tcPerIntf(Nexo::IntfId("e")), nullptr);
+  const OrderedSystemPhyPortId::PtrConst ports = orderedSystemPhyPortIdFactory();
+  EXPECT_FALSE(ports->systemPhyPortId(Hardware::Loam::nullPort));
   EXPECT_EQ(counters->tcDel(3), (IngressCounter{{5, 6, 7, 8}}));
   EXPECT_EQ(intfListFactory()->intfDeq(), Nexo::IntfId());
 

@@ -44,17 +44,6 @@ std::string integerRange(U64 lowest, U64 highest) {
 
 }  // namespace
 
-JsonText::JsonText(std::string_view copied)
-    : JsonText(std::make_unique_for_overwrite<char[]>(copied.size() + padding), copied.size()) {
-  std::copy(copied.begin(), copied.end(), bytes_.get());
-}
-
-JsonText::JsonText(std::unique_ptr<char[]> bytes, std::size_t size) : bytes_(std::move(bytes)), size_(size) {
-  static_assert(padding >= simdjson::SIMDJSON_PADDING);
-  // No JSON goes on with a zero byte, so that a text that ends too early ends there.
-  std::memset(bytes_.get() + size_, 0, padding);
-}
-
 struct JsonReader::Parser {
   ondemand::parser parser;
   ondemand::document document;

@@ -1,123 +1,109 @@
 #include "loamshow/state/StateFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <system_error>
+#include <chrono>
+#include <utility>
 
-#include "loamshow/json/JsonReader.h"
-#include "loamshow/state/StateReaders.h"
-#include "loamshow/state/StateValues.h"
+#include "loamshow/state/ReadValues.h"
+#include "loamshow/state/Source.h"
 
 namespace loamshow {
 
-namespace {
-
 using Hardware::Loam::VoqId;
 
-std::string readAll(const std::string& path, const std::string& name) {
-  const int fd = path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  std::string text;
-  std::size_t size = 0;
-  ssize_t got = fd < 0 ? -1 : 1;
-  while (got > 0) {
-    text.resize(std::max<std::size_t>(std::size_t{64} * 1024, 2 * size));
-    while (size < text.size() && (got = ::read(fd, text.data() + size, text.size() - size)) != 0) {
-      if (got < 0 && errno == EINTR) continue;
-      if (got < 0) break;
-      size += static_cast<std::size_t>(got);
-    }
-  }
-  const int error = errno;
-  if (fd > STDIN_FILENO) ::close(fd);
-  if (got < 0) throw InputError(name + ": cannot read: " + std::generic_category().message(error));
-  text.resize(size);
-  return text;
-}
+namespace {
 
-void readFabricMcastVoq(JsonValue object, SwitchState& state) {
-  constexpr U64 mostVoqs = 8;
-  Vane::Optional<VoqId> min;
-  Vane::Optional<VoqId> max;
-  for (JsonMembers in(object); in.next();) {
-    if (in.is("min")) {
-      min = id<VoqId>(in.value());
-    } else if (in.is("max")) {
-      max = id<VoqId>(in.value());
-    } else {
-      in.unknown();
-    }
+/// Whether the text is a time of RFC 3339 in UTC: seconds from 00 to 59, up to six digits of fraction.
+bool isUtcTime(std::string_view text) {
+  constexpr std::string_view layout = "dddd-dd-ddTdd:dd:dd";
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const auto fits = [&](char c, char place) { return place == 'd' ? isDigit(c) : c == place; };
+  if (text.size() <= layout.size() || text.back() != 'Z') return false;
+  if (!std::equal(layout.begin(), layout.end(), text.begin(), [&](char l, char c) { return fits(c, l); })) {
+    return false;
   }
-  if (min.has_value() != max.has_value()) object.fail("expected both min and max");
-  if (!min) return;
-  if (*max < *min || U64{max->value()} - min->value() >= mostVoqs) {
-    object.fail("expected a max from min to min + 7");
+  std::string_view fraction = text.substr(layout.size(), text.size() - layout.size() - 1);
+  if (!fraction.empty()) {
+    if (fraction.front() != '.' || fraction.size() < 2 || fraction.size() > 7) return false;
+    fraction.remove_prefix(1);
+    if (!std::all_of(fraction.begin(), fraction.end(), isDigit)) return false;
   }
-  state.fabricMcastVoqMin = *min;
-  state.fabricMcastVoqMax = *max;
-}
-
-/// Reads an object that has one member at most.
-template <class Read>
-void readOnly(JsonValue object, std::string_view memberName, Read read) {
-  for (JsonMembers in(object); in.next();) {
-    if (!in.is(memberName)) in.unknown();
-    read(in.value());
-  }
-}
-
-void readInterfaces(JsonValue array, std::vector<IntfId>& interfaces) {
-  Vane::HashMap<IntfId, bool> seen;
-  for (JsonElements elements(array); elements.next();) {
-    const JsonValue element = elements.value();
-    interfaces.push_back(intf(element));
-    if (interfaces.back() == IntfId()) element.fail("expected an interface name");
-    if (seen.contains(interfaces.back())) element.fail("repeated entry");
-    seen.set(interfaces.back(), true);
-  }
+  const auto number = [&](std::size_t at, std::size_t size) {
+    unsigned value = 0;
+    for (const char c : text.substr(at, size)) value = 10 * value + static_cast<unsigned>(c - '0');
+    return value;
+  };
+  const std::chrono::year_month_day day{std::chrono::year(static_cast<int>(number(0, 4))),
+                                        std::chrono::month(number(5, 2)), std::chrono::day(number(8, 2))};
+  return day.ok() && number(11, 2) < 24 && number(14, 2) < 60 && number(17, 2) < 60;
 }
 
 }  // namespace
 
+void read(JsonValue value, SwitchName<Mote::String> into) {
+  read(value, into.name);
+  if (into.name.empty()) value.fail("expected a name that is not empty");
+}
+
+void read(JsonValue value, Time<Mote::String> into) {
+  read(value, into.text);
+  if (!isUtcTime(into.text)) value.fail("expected a time in UTC such as 2026-11-23T10:53:31Z");
+}
+
+void read(JsonValue value, Interfaces<std::vector<Nexo::IntfId>> into) {
+  Vane::HashMap<Nexo::IntfId, bool> seen;
+  for (JsonElements in(value); in.next();) {
+    Nexo::IntfId intf;
+    read(in.value(), intf);
+    if (intf == Nexo::IntfId()) in.value().fail("expected an interface name");
+    if (seen.contains(intf)) in.value().fail("repeated entry");
+    seen.set(intf, true);
+    into.list.push_back(intf);
+  }
+}
+
+void read(JsonValue value, FabricMcastRange<SwitchState> into) {
+  constexpr U64 mostVoqs = 8;
+  FabricMcastVoqs range;
+  read(value, range);
+  if (range.min.has_value() != range.max.has_value()) value.fail("expected both min and max");
+  if (!range.min) return;
+  if (*range.max < *range.min || U64{range.max->value()} - range.min->value() >= mostVoqs) {
+    value.fail("expected a max from min to min + 7");
+  }
+  into.state.fabricMcastVoqMin = *range.min;
+  into.state.fabricMcastVoqMax = *range.max;
+}
+
+template <class Entry, class Map>
+void read(JsonValue value, EntryList<Entry, Map> into) {
+  for (JsonElements in(value); in.next();) {
+    Entry entry;
+    read(in.value(), entry);
+    if (into.map.contains(entry.key)) in.value().fail("repeated entry of this " + std::string(into.key));
+    if constexpr (std::is_same_v<Entry, PlacedRecircPort>) {
+      if (!entry.item) in.value().fail("expected a systemPhyPortId");
+      into.map.set(entry.key, *entry.item);
+    } else {
+      into.map.set(entry.key, entry.item);
+    }
+  }
+}
+
 SwitchState loadStateFile(const std::string& path) {
-  const std::string name = path == "-" ? "standard input" : path;
-  return parseState(name, readAll(path, name));
+  return Source(path).read();
+}
+
+SwitchState parseState(const std::string& name, JsonText text) {
+  JsonReader reader(name, std::move(text));
+  SwitchState state;
+  read(reader.root(), state);
+  reader.finish();
+  return state;
 }
 
 SwitchState parseState(const std::string& name, std::string_view text) {
-  JsonReader document(name, JsonText(text));
-  SwitchState state;
-  for (JsonMembers in(document.root()); in.next();) {
-    const JsonValue value = in.value();
-    if (in.is("interfaces")) {
-      readInterfaces(value, state.interfaces);
-    } else if (in.is("status")) {
-      readStatus(value, *state.status);
-    } else if (in.is("tmMapping")) {
-      readOnly(value, "portTmMap",
-               [&](JsonValue ports) { readSet(ports, state.tmMapping->portTmMap, id<SystemPhyPortId>); });
-    } else if (in.is("internalLagStatus")) {
-      readOnly(value, "lagIngressVoqCounterTable", [&](JsonValue intfs) {
-        for (JsonElements members(intfs); members.next();) {
-          state.internalLagStatus->lagIngressVoqCounterTable.set(intf(members.value()), true);
-        }
-      });
-    } else if (in.is("fabricMcastVoq")) {
-      readFabricMcastVoq(value, state);
-    } else if (in.is("skeinMountMode")) {
-      state.skeinMountMode = value.boolean();
-    } else if (in.is("counters")) {
-      readCounters(value, *state.counters);
-    } else if (in.is("debug")) {
-      readDebug(value, state);
-    } else {
-      in.unknown();
-    }
-  }
-  document.finish();
-  return state;
+  return parseState(name, JsonText(text));
 }
 
 void mountProcessWide(const SwitchState& state) {

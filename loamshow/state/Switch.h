@@ -26,7 +26,7 @@ struct SwitchState {
   LoamTm::TmMapping::Ptr tmMapping = Mote::make<LoamTm::TmMapping>();
   Hardware::Loam::InternalLagClientStatus::Ptr internalLagStatus =
       Mote::make<Hardware::Loam::InternalLagClientStatus>();
-  Mote::Ptr<LoamCounters::MemoryCounterTables> counters = Mote::make<LoamCounters::MemoryCounterTables>();
+  LoamCounters::RecordTables::Ptr counters = Mote::make<LoamCounters::MemoryCounterTables>();
   bool skeinMountMode = false;
   bool perInputPortCoppVoqs = false;  // a CoPP class has a VOQ per input port
   std::vector<DebugFap> debugFaps;

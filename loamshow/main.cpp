@@ -11,6 +11,7 @@
 #include "loamshow/cli/CommandLine.h"
 #include "loamshow/cli/Completion.h"
 #include "loamshow/cli/IntfArguments.h"
+#include "loamshow/commands/CheckReport.h"
 #include "loamshow/commands/Interrupts.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
@@ -71,6 +72,11 @@ int run(const CommandLine& line) {
     return exitWhole;
   }
   const SwitchState state = loadStateFile(statePath(line));
+  if (line.command == "check") {
+    const std::vector<Finding> findings = check(state);
+    print(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
+    return findings.empty() ? exitWhole : exitFailed;
+  }
   mountProcessWide(state);
   loadPlugin(pluginPath(line));
   const Interrupts interrupts;

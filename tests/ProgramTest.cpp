@@ -106,7 +106,9 @@ struct Pipe {
 TEST(Program, ExplainsWrongUsage) {
   const MemoryFile bad(R"({"status": 1})");
   const std::pair<std::vector<std::string>, testing::Matcher<std::string>> cases[] = {
-      {{}, "expected a command: queues, ingress, cpu, drops, acl, mtu, debug, registry, help (see --help)"},
+      {{},
+       "expected a command: queues, ingress, cpu, drops, acl, mtu, debug, registry, check, help (see "
+       "--help)"},
       {{""}, "unknown command \"\" (see --help)"},
       {{"queus"}, "unknown command \"queus\"; did you mean queues? (see --help)"},
       {{"help", "mtuu"}, "unknown command \"mtuu\"; did you mean mtu? (see --help)"},
@@ -147,6 +149,27 @@ TEST(Program, ExplainsWrongUsage) {
     EXPECT_THAT(ran.err.substr(10, ran.err.size() - 11), error);
   }
   EXPECT_THAT(run({"--version"}).out, MatchesRegex("loamshow [0-9.]+\n"));
+}
+
+TEST(Program, ReportsFindingsInBothFormats) {
+  const MemoryFile clean("{}");
+  const MemoryFile wrong(R"({"interfaces": ["a\nb"], "counters": {"egressAcl": {"a/b": 1}}})");
+  const std::tuple<const MemoryFile&, const char*, int, const char*> cases[] = {
+      {clean, "text", 0, ""},
+      {clean, "json", 0, "{\"findings\":[]}\n"},
+      {wrong, "text", 1,
+       "/interfaces/0: only acl can show a?b: it has no port\n"
+       "/counters/egressAcl/a~1b: the switch has no interface a/b; did you mean a?b?\n"},
+      {wrong, "json", 1,
+       R"({"findings":[{"member":"/interfaces/0","problem":"only acl can show a\nb: it has no port"},)"
+       R"({"member":"/counters/egressAcl/a~1b","problem":"the switch has no interface a/b; did you mean a\nb?"}]})"
+       "\n"}};
+  for (const auto& [file, format, status, out] : cases) {
+    const Ran ran = run({"check", "-s", file.path(), "--format", format, "--plugin", "/nowhere.so"});
+    EXPECT_EQ(ran.status, status);
+    EXPECT_EQ(ran.out, out);
+    EXPECT_EQ(ran.err, "");
+  }
 }
 
 TEST(Program, CompletesWhatIsBeingTyped) {

@@ -166,13 +166,26 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
       status.fapIdToName.set(FapId(id), name);
     }
   };
+  // Both collections at once, after as many changes as those before them.
+  const auto assign = [](Status& status) {
+    decltype(status.fapIdToName) names;
+    decltype(status.fapNumCores) cores;
+    for (const auto& [id, name, count] : {std::tuple{3U, "A", U16{2}}, std::tuple{5U, "Above", U16{1}}}) {
+      names.set(FapId(id), name);
+      cores.set(FapId(id), count);
+    }
+    status.fapIdToName = names;
+    status.fapNumCores = cores;
+  };
   const auto remove = [](Status& status) { status.fapIdToName.remove(FapId(7)); };
   const auto removeCores = [](Status& status) { status.fapNumCores.remove(FapId(7)); };
   EXPECT_THAT(sources("ingress", "/sources", [](Status&) {}), ElementsAre("A.0", "A.1", "B"));
   EXPECT_THAT(sources("ingress", "/sources", replace), ElementsAre("A.0", "A.1", "Above", "B"));
   EXPECT_THAT(sources("ingress", "/sources", removeCores), ElementsAre("A.0", "A.1"));
+  EXPECT_THAT(sources("ingress", "/sources", assign), ElementsAre("A.0", "A.1", "Above"));
   EXPECT_THAT(sources("mtu", "/destinations", remove), ElementsAre("A", "B"))
       << "read 2 is already that of B";
+  EXPECT_THAT(sources("mtu", "/destinations", assign, 1), ElementsAre("A", "Above"));
   EXPECT_THAT(sources("mtu", "/destinations", replace, 1), ElementsAre("A", "Above", "B"));
   // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
   const char* const voqs = "/interfaces/Ethernet3/trafficClasses/TC0/ingressVoqCounters/sources";

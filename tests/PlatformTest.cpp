@@ -1,6 +1,9 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <random>
 #include <thread>
@@ -10,6 +13,7 @@
 #include "platform/Keel.h"
 #include "platform/Nexo.h"
 #include "platform/Vane.h"
+#include "platform/Wisp.h"
 #include "tests/Support.h"
 
 namespace loamtest {
@@ -39,6 +43,7 @@ TEST(Mote, HandlesCountTheirUsers) {
   }
   const Mote::Ptr<Thing> moved = std::move(first);
   EXPECT_EQ(moved->users(), 1U);
+  EXPECT_EQ(moved->publisher(), moved.get());
   first = nullptr;
   EXPECT_FALSE(gone);
 }
@@ -56,13 +61,19 @@ TEST(Mote, RQueueKeepsOrderAcrossBlocks) {
 
 TEST(Vane, IdentifiersNameThemselvesInTheirErrors) {
   using namespace Hardware::Loam;
+  using namespace LoamCounters;
   const std::tuple<std::function<void()>, std::string, const char*> cases[] = {
       {[] { SystemPhyPortId(1); }, "Hardware::Loam::SystemPhyPortId", "null"},
       {[] { SystemPhyPortId(32768); }, "Hardware::Loam::SystemPhyPortId", "null"},
       {[] { SystemPhyPortId(65536 + 34); }, "Hardware::Loam::SystemPhyPortId", "null"},
       {[] { ++LocalCoreId(6); }, "Hardware::Loam::LocalCoreId", "null"},
-      {[] { LoamCounters::EgressCounter().quad(32); }, "LoamCounters::EgressCounterIndex", "max"},
-      {[] { LoamCounters::EgressTmCounter().quad(61); }, "LoamCounters::EgressTmCounterIndex", "max"}};
+      {[] { FapId(2048); }, "Hardware::Loam::FapId", "null"},
+      {[] { FapPortId(257); }, "Hardware::Loam::FapPortId", "null"},
+      {[] { VoqId(U64{1} << 32U); }, "Hardware::Loam::VoqId", "max"},
+      {[] { IngressCounterIndex(80); }, "LoamCounters::IngressCounterIndex", "max"},
+      {[] { EgressCounter().quad(32); }, "LoamCounters::EgressCounterIndex", "max"},
+      {[] { EgressTmCounter().quad(61); }, "LoamCounters::EgressTmCounterIndex", "max"},
+      {[] { EgressLagCounter().quad(128); }, "LoamCounters::EgressLagCounterIndex", "max"}};
   for (const auto& [make, type, most] : cases) {
     try {
       make();
@@ -100,6 +111,65 @@ TEST(Vane, DenseMapsHoldWhatMapsHold) {
     for (const auto& [at, item] : ours) walked[at] = item;
     ASSERT_EQ(walked, theirs);
   }
+}
+
+TEST(Vane, AWalkGoesOnAboveItsEntryWhateverChanges) {
+  using Port = Hardware::Loam::SystemPhyPortId;
+  using Ports = decltype(Hardware::Loam::Status::olpPort);
+  const auto ports = [](std::initializer_list<U16> keys) {
+    Ports made;
+    for (const U16 key : keys) made.set(key, Port(100U + key));
+    return made;
+  };
+  Ports elsewhere;
+  const std::tuple<const char*, std::function<void(Ports&)>, std::vector<U32>> cases[] = {
+      {"nothing", [](Ports&) {}, {101, 102, 103}},
+      {"the entry before it", [](Ports& all) { all.remove(1); }, {101, 102, 103}},
+      {"itself", [](Ports& all) { EXPECT_EQ(all.remove(2), Port(102)); }, {101, 102, 103}},
+      {"the entry above it", [](Ports& all) { all.remove(3); }, {101, 102}},
+      {"all entries", [](Ports& all) { all.clear(); }, {101, 102}},
+      {"itself replaced", [](Ports& all) { all.set(2, Port(9)); }, {101, 102, 103}},
+      // Of as many changes as the collection that it replaces.
+      {"an assignment",
+       [&](Ports& all) {
+         all = ports({1, 4, 5});
+       },
+       {101, 102, 104, 105}},
+      {"an assignment of itself", [](Ports& all) { all = Ports(all); }, {101, 102, 103}},
+      {"a swap",
+       [&](Ports& all) {
+         std::swap(all, elsewhere = ports({7, 8, 9}));
+       },
+       {101, 102, 107, 108, 109}},
+      {"a move", [&](Ports& all) { elsewhere = std::move(all); }, {101, 102, 103}}};
+  for (const auto& [name, change, expected] : cases) {
+    Ports all = ports({1, 2, 3});
+    std::vector<U32> walked;
+    for (const auto& [key, port] : all) {
+      walked.push_back(port.value());
+      if (key == 2) change(all);
+    }
+    EXPECT_EQ(walked, expected) << name;
+  }
+  Ports all = ports({1, 2, 3});
+  const U32 version = all.version();
+  all = ports({1, 2, 3});
+  EXPECT_NE(all.version(), version);
+  EXPECT_EQ(all.get(3), Port(103));
+  EXPECT_EQ(all.get(4), Hardware::Loam::nullPort);
+  EXPECT_EQ(all.remove(4), Hardware::Loam::nullPort);
+}
+
+TEST(Wisp, TakesNoStandardStreamsPlace) {
+  const MemoryFile file;
+  const auto traceWithoutStandardInput = [&] {
+    ::close(STDIN_FILENO);
+    ::setenv("LOAM_TRACE", file.path().c_str(), 1);
+    Wisp::trace("kept");
+    std::_Exit(::fcntl(STDIN_FILENO, F_GETFD) < 0 ? 0 : 1);
+  };
+  EXPECT_EXIT(traceWithoutStandardInput(), testing::ExitedWithCode(0), "");
+  EXPECT_THAT(file.content(), testing::EndsWith("Z kept\n"));
 }
 
 TEST(Nexo, NamesAndKinds) {

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <regex>
+#include <sstream>
 
 #include "LoamCounters/DebugCountersPrinter/DescriptorMappings.h"
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
@@ -154,6 +155,18 @@ TEST(Registry, MistypedArgumentsAreExceptions) {
             "specialIngressIntfList: argument 1: expected LoamCounters::SpecialIngressIntfOrdering, got "
             "LoamCounters::SpecialEgressIntfOrdering");
   EXPECT_THROW(make("LoamCounters::TcContainer", {U32{1}}), Vane::InternalException);
+  EXPECT_THROW(make("LoamCounters::SpecialIngressIntfOrdering"), Vane::InternalException);
+}
+
+TEST(Registry, AnOperationAnswersItsResult) {
+  const auto printer = make("LoamCounters::DebugCountersPrinter");
+  const Value none = Mote::Ptr<const Mote::Node>();
+  for (const bool sectionNameIsDue : {true, false}) {
+    const Value stillDue = requested(printer, "printDebugCounter", OpCode::call,
+                                     {U32{0}, U32{1}, none, Mote::String(), none, false, sectionNameIsDue,
+                                      Mote::String(), U32{0}, Mote::String()});
+    EXPECT_EQ(stillDue.as<bool>(), sectionNameIsDue);
+  }
 }
 
 TEST(Registry, CursorsWalkEveryCollection) {
@@ -171,6 +184,22 @@ TEST(Registry, CursorsWalkEveryCollection) {
   EXPECT_THAT(keys, ElementsAre(12, 40, 300));
   EXPECT_EQ(requested(ports, "systemPhyPortId", OpCode::count).as<U32>(), 2U);
 
+  // Kinds as a host knows them: by their numbers.
+  const auto lists = make("LoamCounters::AllIntfList");
+  for (const char* attribute : {"specialIngressIntfList", "specialEgressIntfList"}) {
+    for (const U8 kind : {U8{9}, U8{0}, U8{5}}) {
+      requested(lists, attribute, OpCode::write, {kind}, make("LoamCounters::IntfList"));
+    }
+    const U32 number = lists->typeData()->type().numberOf(attribute).value();
+    std::vector<U32> kinds;
+    for (const auto at = Vane::genericIfCursor(*lists, number); at->valid(); at->advance()) {
+      kinds.push_back(at->key().as<U8>());
+      requested(lists, attribute, OpCode::del, {at->key()});
+      EXPECT_NE(at->item().as<Mote::Ptr<Mote::Node>>(), nullptr) << "the entry, also when it has gone";
+    }
+    EXPECT_THAT(kinds, ElementsAre(0, 5, 9)) << attribute;
+  }
+
   const auto containers = make("LoamCounters::InterfaceTcContainer");
   const auto list = make("LoamCounters::IntfList");
   for (const Nexo::IntfId intf : {Nexo::IntfId("b"), Nexo::IntfId("a"), Nexo::IntfId("c")}) {
@@ -180,10 +209,17 @@ TEST(Registry, CursorsWalkEveryCollection) {
   }
   std::set<std::string> names;
   for (const auto at = Vane::genericIfCursor(*containers, 130); at->valid(); at->advance()) {
-    names.insert(at->key().as<Nexo::IntfId>().stringValue().c_str());
-    at->del();
+    const auto intf = at->key().as<Nexo::IntfId>();
+    names.insert(intf.stringValue().c_str());
+    if (intf == Nexo::IntfId("a")) {
+      at->del();
+    } else {
+      requested(containers, "tcPerIntf", OpCode::del, {intf});
+    }
+    EXPECT_EQ(at->item().as<TcContainer::PtrConst>()->intfId(), intf) << "the entry, also when it has gone";
   }
   EXPECT_THAT(names, ElementsAre("a", "b", "c"));
+  EXPECT_EQ(requested(containers, "tcPerIntf", OpCode::count).as<U32>(), 0U);
 
   EXPECT_EQ(requested(list, "intf", OpCode::front).as<Nexo::IntfId>(), Nexo::IntfId("b"));
   EXPECT_EQ(requested(list, "intf", OpCode::back).as<Nexo::IntfId>(), Nexo::IntfId("c"));
@@ -221,13 +257,6 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   EXPECT_EQ(counters->tcDel(3), (IngressCounter{{5, 6, 7, 8}}));
   EXPECT_EQ(intfListFactory()->intfDeq(), Nexo::IntfId());
 
-  Kind parsed{};
-  const std::string_view text = "ingressIntfEventor...";
-  EXPECT_TRUE(sequenceToValue(text.data(), text.data() + 18, parsed));
-  EXPECT_EQ(parsed, SpecialIngressIntfOrderingInstance(10));
-  EXPECT_FALSE(sequenceToValue(text.data(), text.data() + 19, parsed));
-  EXPECT_THROW(SpecialIngressIntfOrderingInstance("egressIntfErp"), Vane::RangeException);
-
   const auto mapping = fapDescriptorMappingFactory();
   const auto descriptor = Mote::make<FapDescriptor>();
   mapping->fapDescriptorIs("F", nullptr);
@@ -237,6 +266,44 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   mapping->fapDescriptorIs("F", nullptr);
   EXPECT_EQ(mapping->fapDescriptorDel("F"), nullptr);
 }
+
+// The names themselves are in the registry, whose listing is compared above.
+template <class Kind>
+void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::String&), const char* foreign) {
+  const Vane::TypeDescriptor& type = *Vane::findType(Vane::typeName<Kind>);
+  ASSERT_EQ(type.values.size(), 11U);
+  for (U32 number = 0; number < type.values.size(); ++number) {
+    const std::string name(type.values[number]);
+    const Kind kind = ofNumber(number);
+    EXPECT_EQ(static_cast<U32>(kind), number);
+    EXPECT_EQ(stringValue(kind), name);
+    EXPECT_EQ(ofName(name), kind);
+    EXPECT_EQ((std::ostringstream() << kind).str(), name);
+    Kind parsed{};
+    const std::string text = name + "...";
+    EXPECT_TRUE(sequenceToValue(text.data(), text.data() + name.size(), parsed));
+    EXPECT_EQ(parsed, kind);
+    EXPECT_FALSE(sequenceToValue(text.data(), text.data() + name.size() + 1, parsed));
+  }
+  using testing::ThrowsMessage;
+  const std::string full(type.name);
+  const auto outOfRange = ThrowsMessage<Vane::RangeException>(full + "::value < " + full + "::min or > " +
+                                                              full + "::max not allowed");
+  EXPECT_THAT([&] { ofNumber(11); }, outOfRange);
+  EXPECT_THAT([] { stringValue(static_cast<Kind>(11)); }, outOfRange);
+  EXPECT_THAT([&] { ofName(foreign); },
+              ThrowsMessage<Vane::RangeException>(full + " has no value " + foreign));
+}
+
+TEST(IntfLists, KindsHaveNamesAndNumbers) {
+  expectNamesAndNumbers<SpecialIngressIntfOrdering>(SpecialIngressIntfOrderingInstance,
+                                                    SpecialIngressIntfOrderingInstance, "egressIntfErp");
+  expectNamesAndNumbers<SpecialEgressIntfOrdering>(SpecialEgressIntfOrderingInstance,
+                                                   SpecialEgressIntfOrderingInstance, "ingressIntfErp");
+}
+
+static_assert(std::is_same_v<OrderedSystemPhyPortId::PtrConst, Mote::Ptr<const OrderedSystemPhyPortId>>);
+static_assert(std::is_same_v<InterfaceTcContainer::PtrConst, Mote::Ptr<const InterfaceTcContainer>>);
 
 }  // namespace
 

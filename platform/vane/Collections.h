@@ -4,6 +4,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -53,6 +54,16 @@ class SortedMap {
   std::map<K, V, Less> map_;
 };
 
+/// What a look-up answers for an absent key: a default-made item, or the null one of identifiers.
+template <class Item>
+Item neutral() {
+  if constexpr (std::is_default_constructible_v<Item>) {
+    return Item();
+  } else {
+    return Item::null();
+  }
+}
+
 /// What ordered and hash maps of attributes share: look-ups that answer a neutral value for an absent key,
 /// and a 32-bit version that every change moves.
 template <class Map>
@@ -61,13 +72,23 @@ class Collection {
   using Key = typename Map::Key;
   using Item = typename Map::Item;
 
+  Collection() = default;
+  Collection(const Collection&) = default;
+  /// Replaces all entries, which is a change. There is no move: it would empty the other collection.
+  Collection& operator=(const Collection& other) {
+    ++version_;
+    map_ = other.map_;
+    return *this;
+  }
+  ~Collection() = default;
+
   /// The item under a key, null when absent; valid until the collection changes.
   const Item* find(const Key& key) const { return map_.find(key); }
   bool contains(const Key& key) const { return find(key) != nullptr; }
-  /// A copy of the item under a key, a default-made one when absent.
+  /// A copy of the item under a key, the neutral one when absent.
   Item get(const Key& key) const {
     const Item* item = find(key);
-    return item == nullptr ? Item() : *item;
+    return item == nullptr ? neutral<Item>() : *item;
   }
   std::vector<Key> keys() const {
     std::vector<Key> keys;
@@ -97,10 +118,10 @@ class Collection {
       set(key, std::move(item));
     }
   }
-  /// Removes and returns the item, a default-made one when the key is absent.
+  /// Removes and returns the item, the neutral one when the key is absent.
   Item remove(const Key& key) {
     std::optional<Item> item = map_.take(key);
-    if (!item) return Item();
+    if (!item) return neutral<Item>();
     ++version_;
     return std::move(*item);
   }
@@ -114,10 +135,42 @@ class Collection {
   U32 version_ = 0;
 };
 
-/// A map without a promised order. It must not change while it is walked; take the `keys` first where it may.
+/// A map without a promised order. It must not change during a walk from begin() to end(); a Walk allows
+/// that.
 template <class K, class V>
 class HashMap : public Collection<DenseMap<K, V, Hash>> {
  public:
+  /// Walks the keys of the moment when it began, without those that have gone before it came to them. Holds a
+  /// copy of the entry it is at.
+  class Walk {
+   public:
+    explicit Walk(const HashMap& owner) : owner_(&owner), keys_(owner.keys()) { arrive(); }
+    const auto& operator*() const { return *entry_; }
+    const auto* operator->() const { return &*entry_; }
+    Walk& operator++() {
+      ++at_;
+      arrive();
+      return *this;
+    }
+    bool operator==(std::default_sentinel_t) const noexcept { return !entry_.has_value(); }
+
+   private:
+    void arrive() {
+      entry_.reset();
+      for (; at_ < keys_.size(); ++at_) {
+        if (const V* item = owner_->find(keys_[at_])) {
+          entry_.emplace(typename DenseMap<K, V, Hash>::Entry{keys_[at_], *item});
+          return;
+        }
+      }
+    }
+
+    const HashMap* owner_;
+    std::vector<K> keys_;
+    std::size_t at_ = 0;
+    std::optional<typename DenseMap<K, V, Hash>::Entry> entry_;
+  };
+
   auto begin() const { return this->map_.begin(); }
   auto end() const { return this->map_.end(); }
 };
@@ -132,12 +185,12 @@ class OrderedMap : public Collection<SortedMap<K, V, Less>> {
     V item;
   };
 
-  class Iterator {
+  class Walk {
    public:
-    explicit Iterator(const OrderedMap& owner) : owner_(&owner) { arrive(owner.map_.begin()); }
+    explicit Walk(const OrderedMap& owner) : owner_(&owner) { arrive(owner.map_.begin()); }
     const Entry& operator*() const { return *entry_; }
     const Entry* operator->() const { return &*entry_; }
-    Iterator& operator++() {
+    Walk& operator++() {
       arrive(owner_->version_ == version_ ? std::next(position_) : owner_->map_.above(entry_->key));
       return *this;
     }
@@ -162,7 +215,7 @@ class OrderedMap : public Collection<SortedMap<K, V, Less>> {
     U32 version_ = 0;  // of the owner when position_ was taken
   };
 
-  Iterator begin() const { return Iterator(*this); }
+  Walk begin() const { return Walk(*this); }
   std::default_sentinel_t end() const { return {}; }
 };
 

@@ -198,63 +198,23 @@ constexpr AttributeDescriptor queue(std::string_view name) {
           }};
 }
 
-/// The walk over a collection: live and in order over an ordered one; over a hash collection, over the keys
-/// that it held when the walk began, without those that have gone since.
+/// The walk over a collection, with the entries as they were when it came to them.
 template <auto items, auto removal>
 class CollectionCursor final : public Cursor {
   using Owner = OwnerOf<items>;
-  using Map = ResultOf<items>;
-  using Key = typename Map::Key;
-  static constexpr bool ordered =
-      std::is_same_v<decltype(std::declval<const Map&>().end()), std::default_sentinel_t>;
 
  public:
-  explicit CollectionCursor(Owner& owner) : owner_(&owner), at_(start(map())) { skipGone(); }
+  explicit CollectionCursor(Owner& owner) : owner_(&owner), at_((owner.*items)()) {}
 
-  bool valid() const override {
-    if constexpr (ordered) {
-      return !(at_ == std::default_sentinel);
-    } else {
-      return index_ < at_.size();
-    }
-  }
-  Value key() const override { return here(); }
-  Value item() const override { return map().get(here()); }
-  void advance() override {
-    if constexpr (ordered) {
-      ++at_;
-    } else {
-      ++index_;
-      skipGone();
-    }
-  }
-  void del() override { (owner_.get()->*removal)(here()); }
+  bool valid() const override { return !(at_ == std::default_sentinel); }
+  Value key() const override { return at_->key; }
+  Value item() const override { return at_->item; }
+  void advance() override { ++at_; }
+  void del() override { (owner_.get()->*removal)(at_->key); }
 
  private:
-  const Map& map() const { return (owner_.get()->*items)(); }
-  static auto start(const Map& map) {
-    if constexpr (ordered) {
-      return map.begin();
-    } else {
-      return map.keys();
-    }
-  }
-  const Key& here() const {
-    if constexpr (ordered) {
-      return at_->key;
-    } else {
-      return at_[index_];
-    }
-  }
-  void skipGone() {
-    if constexpr (!ordered) {
-      while (valid() && !map().contains(here())) ++index_;
-    }
-  }
-
   Mote::Ptr<Owner> owner_;
-  decltype(start(std::declval<const Map&>())) at_;
-  std::size_t index_ = 0;
+  typename ResultOf<items>::Walk at_;
 };
 
 /// The operations that every collection takes: all but the write, which `write(owner, request)` does.

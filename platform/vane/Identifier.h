@@ -22,6 +22,9 @@ class Identifier {
     if (value < Lowest || value > Highest) throwRange(Self::vaneName, Self::upperName);
   }
 
+  /// The value that stands for none.
+  static constexpr Self null() requires(Self::upperName == "null") { return Self(Highest); }
+
   constexpr Rep value() const noexcept { return value_; }
 
   Self& operator++() {

@@ -25,6 +25,11 @@ void Arguments::throwMismatch(std::size_t index, const InternalException& mismat
                           mismatch.what());
 }
 
+Mote::Ptr<Mote::Node> TypeDescriptor::instance(std::span<const Value> arguments) const {
+  if (isEnumeration()) throw InternalException(Mote::String(name) + ": an enumeration has no objects");
+  return construct(Arguments(name, arguments));
+}
+
 const AttributeDescriptor* TypeDescriptor::attribute(U32 number) const {
   if (number < firstNumber || number - firstNumber >= attributes.size()) return nullptr;
   return &attributes[number - firstNumber];

@@ -113,7 +113,8 @@ class Cursor {
   Cursor& operator=(const Cursor&) = delete;
   virtual ~Cursor() = default;
 
-  /// Whether there is an entry here. The other calls are for a valid cursor only.
+  /// Whether the walk is at an entry. It holds a copy of that entry: key() and item() answer the same when it
+  /// has gone or changed meanwhile. The other calls are for a valid cursor only.
   virtual bool valid() const = 0;
   /// The entry's key; an empty value in a queue.
   virtual Value key() const = 0;
@@ -142,10 +143,9 @@ struct TypeDescriptor {
   Mote::Ptr<Mote::Node> (*construct)(const Arguments& arguments) = nullptr;
 
   bool isEnumeration() const { return construct == nullptr; }
-  /// A new object; raises InternalException for arguments that are not the constructor's.
-  Mote::Ptr<Mote::Node> instance(std::span<const Value> arguments) const {
-    return construct(Arguments(name, arguments));
-  }
+  /// A new object. Raises InternalException for arguments that are not the constructor's, and for an
+  /// enumeration.
+  Mote::Ptr<Mote::Node> instance(std::span<const Value> arguments) const;
   /// Null when the number, or the name, is none of this type's.
   const AttributeDescriptor* attribute(U32 number) const;
   Optional<U32> numberOf(std::string_view attributeName) const;

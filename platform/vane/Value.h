@@ -18,7 +18,7 @@ concept Carried = !std::is_same_v<std::remove_cvref_t<T>, Value>;
 
 /// A value on its way through the generic attribute interface: an argument, a key, an item or a result. It
 /// carries its type, so that a mistaken one is an exception and never a wild read. Enumerators travel as
-/// their number (U8), nodes as counted handles.
+/// their number (U8), and may be given and read as one; nodes travel as counted handles.
 class Value {
  public:
   Value() = default;
@@ -47,10 +47,10 @@ class Value {
   template <class T>
   struct Reader {
     static T read(const Value& value) {
-      // An enumerator is held as its number, and read from a plain number, too.
+      // An enumerator is held as its number: it is read from any plain number, and as one.
       using Held = std::conditional_t<Enumerated<T>, U8, T>;
       const Held* held = std::any_cast<Held>(&value.held_);
-      const bool fits = value.type_ == typeName<T> || value.type_ == typeName<Held>;
+      const bool fits = !Enumerated<T> || value.type_ == typeName<T> || value.type_ == typeName<U8>;
       if (held == nullptr || !fits) value.throwMismatch(typeName<T>);
       if constexpr (Enumerated<T>) {
         return enumFromNumber<T>(*held);

@@ -87,6 +87,38 @@ TEST(Printer, EscapesNamesAndValuesInJson) {
   }
 }
 
+template <tabula::FixedString format, class Arg>
+concept AddsArg = requires(tabula::Printer& printer, const Arg& arg) {
+  printer.addArgs<format>(arg);
+};
+
+TEST(Printer, WritesEachDescriptorInConversionsOfItsTypeOnly) {
+  for (const auto& [format, expected] :
+       {std::pair{text, "    7|9|t    |"}, std::pair{json, R"({"word":7,"long":9,"text":"t"})"}}) {
+    EXPECT_EQ(printed(format,
+                      [](auto& printer) {
+                        tabula::Attr32Info word("word", printer);
+                        tabula::Attr64Info number("long", printer);
+                        tabula::StringAttrInfo name("text", printer);
+                        word.setValue(7);
+                        number.setValue(9);
+                        name.setValue("t");
+                        printer.start();
+                        printer.template addArgs<"%5u|%llu|%-5s|">(word.getArg(), number.getArg(),
+                                                                   name.getArg());
+                        printer.end();
+                      }),
+              std::string(expected) + (format == json ? "\n" : ""));
+  }
+  using Word = decltype(std::declval<tabula::Attr32Info>().getArg());
+  using Name = decltype(std::declval<tabula::StringAttrInfo>().getArg());
+  static_assert(AddsArg<"%u", Word> && !AddsArg<"%s", Word> && !AddsArg<"%d", Word>);
+  static_assert(AddsArg<"%s", Name> && !AddsArg<"%u", Name>);
+  // Of a bare argument only the run time tells what it holds.
+  static_assert(!AddsArg<"%s", tabula::Arg> && !AddsArg<"%u", tabula::Arg>);
+  static_assert(!AddsArg<"%u", bool> && !AddsArg<"%u %u", U32> && !AddsArg<"", U32>);
+}
+
 TEST(Printer, RefusesBrokenNesting) {
   using tabula::Printer;
   const auto start = [](Printer& printer) { printer.start(); };
@@ -95,13 +127,19 @@ TEST(Printer, RefusesBrokenNesting) {
   const auto end = [](Printer& printer) { printer.end(); };
   const auto noDescriptor = [](Printer& printer) { printer.addArgs<"%s">("n/a"); };
   const auto noValue = [](Printer& printer) { tabula::Attr64Info("a", printer).getArg(); };
+  const auto textAsNumber = [](Printer& printer) {
+    tabula::StringAttrInfo info("a", printer);
+    info.setValue("text");
+    static_cast<tabula::Attr32Info&>(info).getArg();
+  };
   const std::pair<const char*, std::vector<std::function<void(Printer&)>>> cases[] = {
       {"insideObject", {start, startDict, startSubmodel}},
       {"closesInnermost", {start, startDict, end}},
       {"everyScopeClosed", {start}},
       {"startedOnce", {start, end, start}},
       {"isDescriptor", {start, noDescriptor}},
-      {"hasValue", {noValue}}};
+      {"hasValue", {noValue}},
+      {"isOfItsKind", {textAsNumber}}};
   for (const auto& [message, steps] : cases) {
     const auto take = [&calls = steps](Printer& printer) {
       for (const auto& call : calls) call(printer);

@@ -50,10 +50,12 @@ class AttrInfo {
 
 /// What getArg() gives: the value in text, the value under its key in JSON.
 struct NumberArg : Arg {
-  using Arg::Arg;
+  static constexpr Kind onlyKind = Kind::unsignedNumber;
+  NumberArg(U64 number, const AttrInfo* attr) : Arg(number, attr) {}
 };
 struct TextArg : Arg {
-  using Arg::Arg;
+  static constexpr Kind onlyKind = Kind::text;
+  TextArg(std::string_view text, const AttrInfo* attr) : Arg(text, attr) {}
 };
 
 /// A descriptor of an unsigned 64-bit value.
@@ -74,7 +76,8 @@ class Attr64Info : public AttrInfo {
   U64 value_ = 0;
 };
 
-/// A descriptor of one machine word, a number or a text; a dictionary entry's key is one.
+/// A descriptor of one machine word: a number, or in a StringAttrInfo a text. A dictionary entry's key is
+/// one.
 class Attr32Info : public AttrInfo {
  public:
   Attr32Info(std::string_view key, const Renderer& renderer) : AttrInfo(key, renderer) {}
@@ -83,12 +86,20 @@ class Attr32Info : public AttrInfo {
     word_ = Arg(value, this);
     valueSet();
   }
-  Arg getArg() const {
+  /// Fatal when the value is a text, which is to be read from the StringAttrInfo that it was set in.
+  NumberArg getArg() const { return {word(Arg::Kind::unsignedNumber).number(), this}; }
+  /// The value, whichever it is.
+  const Arg& word() const {
     checkValue();
     return word_;
   }
 
  protected:
+  const Arg& word(Arg::Kind expected) const {
+    const bool isOfItsKind = word().kind() == expected;
+    VANE_ASSERT(isOfItsKind);
+    return word_;
+  }
   void setText(std::string_view text) noexcept {
     word_ = Arg(text, this);
     valueSet();
@@ -113,7 +124,7 @@ class StringAttrInfo : public Attr32Info {
     }
   }
   void setValue(const char* text, unsigned long length) { setValue(std::string_view(text, length)); }
-  TextArg getArg() const { return {Attr32Info::getArg().text(), this}; }
+  TextArg getArg() const { return {word(Arg::Kind::text).text(), this}; }
 
  private:
   std::array<char, 32> short_{};

@@ -55,6 +55,22 @@ class Arg {
   Kind kind_;
 };
 
+/// A type whose values all make arguments of one kind. A bare Arg shows its kind at run time only.
+template <class T>
+concept Argument = std::constructible_from<Arg, const T&> &&
+    (std::integral<T> || std::convertible_to<const T&, std::string_view> || requires { T::onlyKind; });
+
+template <Argument T>
+consteval Arg::Kind kindOf() {
+  if constexpr (std::integral<T>) {
+    return std::unsigned_integral<T> ? Arg::Kind::unsignedNumber : Arg::Kind::signedNumber;
+  } else if constexpr (requires { T::onlyKind; }) {
+    return T::onlyKind;
+  } else {
+    return Arg::Kind::text;
+  }
+}
+
 /// Literal text of a format, and the conversion after it, if any.
 struct Piece {
   U32 begin = 0;  // of the literal, in the format
@@ -169,6 +185,27 @@ struct Layout {
     return count;
   }
 };
+
+namespace detail {
+
+template <class L, class... T>
+consteval bool fits() {
+  if (L::args != sizeof...(T)) return false;
+  const std::array<Arg::Kind, sizeof...(T)> kinds{kindOf<T>()...};
+  std::size_t next = 0;
+  for (const Piece& piece : L::pieces) {
+    if (piece.widthIsArg && kinds[next++] != Arg::Kind::unsignedNumber) return false;
+    if (piece.conversion != 0 && !takes(piece.conversion, kinds[next++])) return false;
+  }
+  return true;
+}
+
+}  // namespace detail
+
+/// A format that takes exactly these arguments, each of the type that its conversion or width asks for.
+template <FixedString format, class... Args>
+concept FormatOf =
+    (Argument<std::decay_t<Args>> && ...) && detail::fits<Layout<format>, std::decay_t<Args>...>();
 
 /// The width of a piece's column, and the bytes of its value that are written into it.
 constexpr std::size_t columnWidth(const Piece& piece, const Arg* args) {

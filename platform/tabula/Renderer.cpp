@@ -184,7 +184,7 @@ void Renderer::openEntry(const Attr32Info& key) {
   checkInterrupt();
   const bool insideDict = depth_ > 0 && scopes_[depth_ - 1] == Scope::dict;
   VANE_ASSERT(insideDict);
-  const Arg value = key.getArg();
+  const Arg& value = key.word();
   if (value.kind() == Arg::Kind::text) {
     openNamed(value.text(), Scope::entry);
   } else {

@@ -49,6 +49,7 @@ class Renderer : public Mote::Node {
 
   /// Writes text as printf does, in the text format only. Returns the number of characters written.
   template <FixedString format, class... Args>
+  requires FormatOf<format, Args...>
   int addFrills(const Args&... args) {
     checkInterrupt();
     return json_ ? 0 : write<format>(args...);
@@ -56,6 +57,7 @@ class Renderer : public Mote::Node {
 
   /// Text: as addFrills. JSON: each descriptor's value becomes a member of the current object, under its key.
   template <FixedString format, class... Args>
+  requires FormatOf<format, Args...>
   void addArgs(const Args&... args) {
     checkInterrupt();
     if (json_) {
@@ -92,32 +94,9 @@ class Renderer : public Mote::Node {
   static constexpr std::size_t capacity = std::size_t{64} * 1024;
   static constexpr std::size_t deepest = 32;
 
-  template <class T>
-  static constexpr Arg::Kind kindOf() {
-    if constexpr (std::is_integral_v<T>) {
-      return std::is_unsigned_v<T> ? Arg::Kind::unsignedNumber : Arg::Kind::signedNumber;
-    } else {
-      return std::is_same_v<T, NumberArg> ? Arg::Kind::unsignedNumber : Arg::Kind::text;
-    }
-  }
-
-  /// Whether arguments of these kinds are what the format's conversions and widths take.
-  template <class L>
-  static constexpr bool fits(std::span<const Arg::Kind> kinds) {
-    std::size_t next = 0;
-    for (const Piece& piece : L::pieces) {
-      if (piece.widthIsArg && kinds[next++] != Arg::Kind::unsignedNumber) return false;
-      if (piece.conversion != 0 && !detail::takes(piece.conversion, kinds[next++])) return false;
-    }
-    return true;
-  }
-
   template <FixedString format, class... Args>
   int write(const Args&... values) {
     using L = Layout<format>;
-    static_assert(L::args == sizeof...(Args), "an argument for each conversion");
-    static_assert(fits<L>(std::array<Arg::Kind, sizeof...(Args)>{kindOf<std::decay_t<Args>>()...}),
-                  "each argument of its conversion's type");
     return writeLayout<L>(std::make_index_sequence<L::pieces.size()>(), values...);
   }
 

@@ -102,9 +102,9 @@ Quads ingressSums(U64 intf, U64 count) {
   return quads;
 }
 
-Quads egressQuads(U64 kind, U64 intf, U64 destType, const std::vector<U64>& tcs) {
+Quads egressQuads(EgressRecord record, U64 intf, DestType destType, const std::vector<U64>& tcs) {
   Quads quads;
-  for (const U64 t : tcs) quads.push_back(quad(egressBase(kind, intf, t, destType)));
+  for (const U64 t : tcs) quads.push_back(quad(egressBase(record, intf, t, destType)));
   return quads;
 }
 

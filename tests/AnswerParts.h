@@ -42,7 +42,7 @@ Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast);
 /// Quads of the small switch: of a source, of the sum of the sources, and of egress queues.
 Quads ingressQuads(U64 intf, U64 source, U64 count = 8);
 Quads ingressSums(U64 intf, U64 count = 8);
-Quads egressQuads(U64 kind, U64 intf, U64 destType, const std::vector<U64>& tcs);
+Quads egressQuads(EgressRecord record, U64 intf, DestType destType, const std::vector<U64>& tcs);
 
 /// Adds an interface's rows to the text of an answer, and its object to the JSON, under its long name.
 void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,

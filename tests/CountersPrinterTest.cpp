@@ -130,14 +130,16 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
     for (const auto& of : {printer, withoutStatus}) {
       if (of == withoutStatus && operation == "acl") continue;  // it reads no status
       const std::size_t first = of == printer ? answers.size() - 2 : 0;
-      EXPECT_EQ(called(of, operation, 1, fixture.intfs), answers[first]);
-      EXPECT_EQ(called(of, operation, 2, fixture.intfs), answers[first + 1] + "\n");
+      EXPECT_EQ(called(of, operation, tabula::formatText, fixture.intfs), answers[first]);
+      EXPECT_EQ(called(of, operation, tabula::formatJson, fixture.intfs), answers[first + 1] + "\n");
     }
   }
   for (const char* operation : {"queues", "ingress", "acl"}) {
-    EXPECT_EQ(called(printer, operation, 1, nullptr) + called(printer, operation, 2, nullptr), "");
+    EXPECT_EQ(called(printer, operation, tabula::formatText, nullptr) +
+                  called(printer, operation, tabula::formatJson, nullptr),
+              "");
   }
-  EXPECT_EQ(called(printer, "drops", 1, nullptr), empty.at("drops").front());
+  EXPECT_EQ(called(printer, "drops", tabula::formatText, nullptr), empty.at("drops").front());
 }
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {
@@ -211,7 +213,7 @@ TEST(CountersPrinter, HoldsWhatItReads) {
       return std::vector{fixture->state.status->users(), fixture->state.tmMapping->users(),
                          fixture->state.internalLagStatus->users(), intfs->users()};
     };
-    const std::string expected = called(printer, operation, 2, intfs);
+    const std::string expected = called(printer, operation, tabula::formatJson, intfs);
     const auto before = users();
     std::vector<bool> held;
     fixture->tables->atRead = [&] {
@@ -222,7 +224,7 @@ TEST(CountersPrinter, HoldsWhatItReads) {
       intfs = nullptr;
       fixture.reset();
     };
-    EXPECT_EQ(called(printer, operation, 2, intfs), expected);
+    EXPECT_EQ(called(printer, operation, tabula::formatJson, intfs), expected);
     const bool translates = operation == "queues" || operation == "ingress" || operation == "drops";
     EXPECT_THAT(held, ElementsAre(true, translates, translates, translates || operation == "acl"));
   }
@@ -239,7 +241,7 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
   const auto usersBefore = users();
   const auto tryAll = [&](const std::string& operation, std::size_t flushes, std::array<std::size_t, 2> rest,
                           const std::string& raised = "") {
-    for (const U32 fmt : {1U, 2U}) {
+    for (const U32 fmt : {tabula::formatText, tabula::formatJson}) {
       expectEveryFaultHandled({operation + " " + std::to_string(fmt), flushes + rest[fmt - 1],
                                [&](U32 fd) { call(printer, operation, fd, fmt, intfs); }, raised,
                                [&] { EXPECT_EQ(users(), usersBefore) << "released before it is said"; }});
@@ -276,7 +278,9 @@ TEST(Threads, ShareOnePrinter) {
   const auto answers = [&] {
     std::string all;
     for (const char* operation : {"cpu", "queues", "ingress", "drops", "acl", "mtu"}) {
-      for (const U32 fmt : {1U, 2U}) all += called(printer, operation, fmt, fixture.intfs);
+      for (const U32 fmt : {tabula::formatText, tabula::formatJson}) {
+        all += called(printer, operation, fmt, fixture.intfs);
+      }
     }
     return all;
   };
@@ -296,12 +300,12 @@ TEST(CountersPrinter, BrokenInvariantsAreFatal) {
   EXPECT_DEATH(called(printer, "queues", 3, fixture.intfs), "hasValue");
   fixture.tables->mtuTotal = Keel::MaybeU63(0);
   EXPECT_DEATH(
-      called(printer, "mtu", 1, nullptr),
+      called(printer, "mtu", tabula::formatText, nullptr),
       testing::AllOf(HasSubstr("mtuCounter.totalCounter().null()"), testing::Not(HasSubstr("total read"))));
   fixture.state.status->subIntfNumVoqs = 9;
-  EXPECT_DEATH(called(printer, "ingress", 1, fixture.intfs), "tcPerPort >= countersPerPort");
+  EXPECT_DEATH(called(printer, "ingress", tabula::formatText, fixture.intfs), "tcPerPort >= countersPerPort");
   const auto classRows = [&](U32 width, bool totalsOnly) {
-    tabula::Printer out(-1, 1, true, false, true, 0);
+    tabula::Printer out(-1, tabula::formatText, true, false, true, 0);
     QueueCountersAttrs attrs(out);
     printCpuIngressCountersPerCoppClass(out, printer->fapCounterAccessor(), fixture.state.status, FapId(3),
                                         LocalCoreId(0), width, true, totalsOnly, false, attrs);

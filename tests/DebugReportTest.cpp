@@ -251,11 +251,11 @@ TEST(DebugReport, PiecesComposeABlock) {
       region(ShmemWriter({{"F", "now", {Counter{.value = 3, .lastDiscontinuity = nan}}}})), "F");
   const MemoryFile file;
   const U32 fd = file.fdNumber();
-  printer->printFapName(fd, 1, "F");
-  printer->printDebugCountersHeader(fd, 1);
+  printer->printFapName(fd, tabula::formatText, "F");
+  printer->printDebugCountersHeader(fd, tabula::formatText);
   const auto print = [&](bool drops, bool section, U32 instance) {
-    return printer->printDebugCounter(fd, 1, counter, "now", manager, drops, section, "Block", instance,
-                                      " (x)");
+    return printer->printDebugCounter(fd, tabula::formatText, counter, "now", manager, drops, section,
+                                      "Block", instance, " (x)");
   };
   counter->fieldDescriptors.set("null", nullptr);
   EXPECT_TRUE(print(false, true, 0)) << "a field that is not there is passed over";
@@ -266,9 +266,9 @@ TEST(DebugReport, PiecesComposeABlock) {
   tabula::interrupt();
   EXPECT_THROW(print(false, false, 0), tabula::SigIntException);
   tabula::interrupt();
-  EXPECT_THROW(printer->printFapName(fd, 1, "F"), tabula::SigIntException);
+  EXPECT_THROW(printer->printFapName(fd, tabula::formatText, "F"), tabula::SigIntException);
   tabula::interrupt();
-  EXPECT_THROW(printer->printDebugCountersHeader(fd, 1), tabula::SigIntException);
+  EXPECT_THROW(printer->printDebugCountersHeader(fd, tabula::formatText), tabula::SigIntException);
   EXPECT_EQ(file.content(), title("F") + "[Block]\n" + counterLine(' ', "C[0] (x)", "3", "never", "never") +
                                 counterLine(' ', "C[-3] (x)", "0", "never", "never"));
 }
@@ -277,7 +277,8 @@ TEST(DebugReport, TracesWhatReadsCounters) {
   const MemoryFile file;
   ::setenv("LOAM_TRACE", file.path().c_str(), 1);
   answer(debugSwitch(), {"debug"});
-  debugCountersPrinterFactory()->printDebugCounter(0, 1, nullptr, "", nullptr, false, false, "", 0, "");
+  debugCountersPrinterFactory()->printDebugCounter(0, tabula::formatText, nullptr, "", nullptr, false, false,
+                                                   "", 0, "");
   std::string lines;
   for (const std::string operation : {"Z printDebugCountersFap", "Z printDebugCounter"}) {
     const std::string line = "20..-..-..T..:..:..[.]......" + operation;

@@ -34,11 +34,12 @@ Part egress(const Json& ucast, const Json& mcast) {
 }
 
 Part portMode(U64 t) {  // has no multicast
-  return egress(quad(egressBase(0, 1, t, 0)), zeros());
+  return egress(quad(egressBase(EgressRecord::portMode, ethernet1, t, DestType::unicast)), zeros());
 }
 
 Part queueMode(U64 t) {
-  return egress(quad(egressBase(1, 3, t, 0)), quad(egressBase(1, 3, t, 1)));
+  return egress(quad(egressBase(EgressRecord::queueMode, ethernet3, t, DestType::unicast)),
+                quad(egressBase(EgressRecord::queueMode, ethernet3, t, DestType::multicast)));
 }
 
 Part ingress(U64 intf, U64 t) {
@@ -60,15 +61,17 @@ TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
     json["interfaces"][name]["trafficClasses"][label] = {{"ingressVoqCounters", ingress(intf, t).json},
                                                          {"egressQueueCounters", egress.json}};
   };
-  for (U64 t = 0; t < 8; ++t) trafficClass("Ethernet1", tcs()[t], 1, t, portMode(t));
+  for (U64 t = 0; t < 8; ++t) trafficClass("Ethernet1", tcs()[t], ethernet1, t, portMode(t));
   const char* subIntfLabels[] = {"TC0-1", "TC2-3", "TC4-5", "TC6-7"};
-  for (U64 t = 0; t < 4; ++t) trafficClass("Ethernet1.5", subIntfLabels[t], 2, t, {});
+  for (U64 t = 0; t < 4; ++t) trafficClass("Ethernet1.5", subIntfLabels[t], subInterface, t, {});
   // Queue mode: traffic classes 1 and 5 share a counter, which follows the others.
-  for (U64 t = 0; t < 8; ++t) trafficClass("Ethernet3", tcs()[t], 3, t, t % 4 == 1 ? Part() : queueMode(t));
+  for (U64 t = 0; t < 8; ++t) {
+    trafficClass("Ethernet3", tcs()[t], ethernet3, t, t % 4 == 1 ? Part() : queueMode(t));
+  }
   expected += titles("Et3", "TC1,5") + queueMode(1).text + "\n";
   json["interfaces"]["Ethernet3"]["trafficClasses"]["TC1,5"]["egressQueueCounters"] = queueMode(1).json;
   EXPECT_EQ(answer(smallSwitch(), {"drops"}), expected);
-  EXPECT_EQ(answer(smallSwitch(), {"drops", "-j"}), json.dump() + "\n");
+  EXPECT_EQ(lines(answer(smallSwitch(), {"drops", "-j"})), lines(json.dump() + "\n"));
 }
 
 TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
@@ -121,7 +124,7 @@ TEST(QueueDrops, LongLabelsShiftTheirRow) {
   Json state = smallSwitch();
   state["status"]["fapIdToName"] = {{"7", "Quarterdeck42"}};
   state["status"]["subIntfNumVoqs"] = 0;
-  const Json count = quad(ingressBase(1, 2, 0));
+  const Json count = quad(ingressBase(ethernet1, 2, 0));
   EXPECT_THAT(answer(state, {"drops", "et1"}), HasSubstr(" - Quarterdeck42         " + columns(17, count)));
   EXPECT_EQ(answer(state, {"drops", "et1.5", "-j"}),
             "{\"interfaces\":{\"Ethernet1.5\":{\"trafficClasses\":{}}}}\n");

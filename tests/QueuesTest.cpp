@@ -29,24 +29,27 @@ TEST(Queues, ShowsAggregateIngressThenEgress) {
   std::string text = ingressHead("Aggregate VoQ Counters");
   Json json;
   Json& ingress = json["ingressVoqCounters"]["interfaces"];
-  addIngress(text, ingress, "Ethernet1", tcs(), ingressSums(1));
-  addIngress(text, ingress, "Ethernet1.5", subIntfLabels, ingressSums(2, 4));
-  addIngress(text, ingress, "Ethernet3", tcs(), ingressSums(3));
-  addIngress(text, ingress, "Port-Channel1", tcs(), ingressSums(4));
+  addIngress(text, ingress, "Ethernet1", tcs(), ingressSums(ethernet1));
+  addIngress(text, ingress, "Ethernet1.5", subIntfLabels, ingressSums(subInterface, 4));
+  addIngress(text, ingress, "Ethernet3", tcs(), ingressSums(ethernet3));
+  addIngress(text, ingress, "Port-Channel1", tcs(), ingressSums(portChannel1));
   text += "\n" + egressHead();
   Json& egress = json["egressQueueCounters"]["interfaces"];
-  addEgress(text, egress, "Ethernet1", tcs(), egressQuads(0, 1, 0, allTcs), noCounts());
-  addEgress(text, egress, "Ethernet3", pairedLabels, egressQuads(1, 3, 0, pairedTcs),
-            egressQuads(1, 3, 1, pairedTcs));
+  addEgress(text, egress, "Ethernet1", tcs(),
+            egressQuads(EgressRecord::portMode, ethernet1, DestType::unicast, allTcs), noCounts());
+  addEgress(text, egress, "Ethernet3", pairedLabels,
+            egressQuads(EgressRecord::queueMode, ethernet3, DestType::unicast, pairedTcs),
+            egressQuads(EgressRecord::queueMode, ethernet3, DestType::multicast, pairedTcs));
   // The port channel has no FAP, so it takes both modes of the switch: its rows come twice.
   for (int mode = 0; mode < 2; ++mode) {
-    addEgress(text, egress, "Port-Channel1", lagLabels(), egressQuads(2, 4, 0, lagTcs),
-              egressQuads(2, 4, 1, lagTcs));
+    addEgress(text, egress, "Port-Channel1", lagLabels(),
+              egressQuads(EgressRecord::lag, portChannel1, DestType::unicast, lagTcs),
+              egressQuads(EgressRecord::lag, portChannel1, DestType::multicast, lagTcs));
   }
   EXPECT_EQ(answer(state, {"queues"}), text + "\n");
   std::string twice = json.dump();
   twice.insert(twice.size() - 3, ",\"Port-Channel1\":" + egress["Port-Channel1"].dump());
-  EXPECT_EQ(answer(state, {"queues", "--json"}), twice + "\n");
+  EXPECT_EQ(lines(answer(state, {"queues", "--json"})), lines(twice + "\n"));
   EXPECT_EQ(answer(state, {"queues", "--detail"}), text + "\n");
 }
 
@@ -60,7 +63,9 @@ TEST(Queues, RowsOfAQueueModeFapDependOnItsSharedClasses) {
     state["counters"]["egressTm"]["Ethernet3"]["ambiguousTcs"] = shared;
     std::string text = egressHead();
     Json json;
-    addEgress(text, json, "Ethernet3", labels, egressQuads(1, 3, 0, tcs), egressQuads(1, 3, 1, tcs));
+    addEgress(text, json, "Ethernet3", labels,
+              egressQuads(EgressRecord::queueMode, ethernet3, DestType::unicast, tcs),
+              egressQuads(EgressRecord::queueMode, ethernet3, DestType::multicast, tcs));
     EXPECT_THAT(answer(state, {"queues", "et3"}), testing::EndsWith("\n" + text + "\n"));
     EXPECT_EQ(Json::parse(answer(state, {"queues", "et3", "-j"}))["egressQueueCounters"]["interfaces"], json);
   }
@@ -75,7 +80,9 @@ TEST(Queues, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
     const std::vector<U64>& shown = major == 1 ? allTcs : lagTcs;
     std::string text = egressHead();
     Json json;
-    addEgress(text, json, "Port-Channel1", labels, egressQuads(2, 4, 0, shown), egressQuads(2, 4, 1, shown));
+    addEgress(text, json, "Port-Channel1", labels,
+              egressQuads(EgressRecord::lag, portChannel1, DestType::unicast, shown),
+              egressQuads(EgressRecord::lag, portChannel1, DestType::multicast, shown));
     EXPECT_THAT(answer(state, {"queues", "po1"}), testing::EndsWith("\n" + text + "\n"));
   }
 }
@@ -153,13 +160,13 @@ TEST(Ingress, ShowsATablePerFapCore) {
   for (U64 source = 0; source < 3; ++source) {
     text += ingressHead(std::string(labels[source]) + ":");
     Json& interfaces = json["sources"][labels[source]]["interfaces"];
-    addIngress(text, interfaces, "Ethernet1", tcs(), ingressQuads(1, source));
-    addIngress(text, interfaces, "Ethernet1.5", subIntfLabels, ingressQuads(2, source, 4));
-    addIngress(text, interfaces, "Ethernet3", tcs(), ingressQuads(3, source));
+    addIngress(text, interfaces, "Ethernet1", tcs(), ingressQuads(ethernet1, source));
+    addIngress(text, interfaces, "Ethernet1.5", subIntfLabels, ingressQuads(subInterface, source, 4));
+    addIngress(text, interfaces, "Ethernet3", tcs(), ingressQuads(ethernet3, source));
     text += "\n";
   }
   EXPECT_EQ(answer(smallSwitch(), {"ingress"}), text);
-  EXPECT_EQ(answer(smallSwitch(), {"ingress", "--detail", "-j"}), json.dump() + "\n");
+  EXPECT_EQ(lines(answer(smallSwitch(), {"ingress", "--detail", "-j"})), lines(json.dump() + "\n"));
 }
 
 TEST(Ingress, InternalAddsSpecialInterfacesToEveryTable) {

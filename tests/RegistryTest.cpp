@@ -9,6 +9,7 @@
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
+#include "platform/tabula.h"
 #include "tests/Support.h"
 
 namespace loamtest {
@@ -75,22 +76,28 @@ TEST(Registry, AnswersAStatusForEveryOpCode) {
   const MemoryFile file;
   const Nexo::IntfId intf("Ethernet1");
   using Node = Mote::Ptr<Mote::Node>;
-  const std::tuple<Node, U32, std::vector<Value>, Value, std::set<int>> cases[] = {
-      {list, 131, {}, intf, {3, 6, 7, 8, 9}},
-      {list, 131, {U32{1}}, intf, {3, 6, 7, 8}},  // a dequeue takes no arguments
-      {lists, 130, {}, list, {0, 1}},
-      {lists, 131, {U8{3}}, list, {0, 1, 2, 3, 4, 5}},
-      {containers, 130, {intf}, {}, {0, 1, 2, 3, 4, 5}},
-      {printer, 136, {}, false, {0}},
-      {printer, 137, {sources[0], sources[1], sources[2], sources[3], sources[5], true}, {}, {0, 1, 2}},
-      {printer, 138, {sources[0], sources[4], sources[5], false}, {}, {0, 1, 2}},
-      {printer, 144, {file.fdNumber(), U32{1}}, {}, {10}},
+  using enum OpCode;
+  const std::set<OpCode> keyed = {read, write, del, count, version, contains};
+  const std::tuple<Node, U32, std::vector<Value>, Value, std::set<OpCode>> cases[] = {
+      {list, 131, {}, intf, {count, front, back, enqueue, dequeue}},
+      {list, 131, {U32{1}}, intf, {count, front, back, enqueue}},  // a dequeue takes no arguments
+      {lists, 130, {}, list, {read, write}},
+      {lists, 131, {U8{3}}, list, keyed},
+      {containers, 130, {intf}, {}, keyed},
+      {printer, 136, {}, false, {read}},
+      {printer,
+       137,
+       {sources[0], sources[1], sources[2], sources[3], sources[5], true},
+       {},
+       {read, write, del}},
+      {printer, 138, {sources[0], sources[4], sources[5], false}, {}, {read, write, del}},
+      {printer, 144, {file.fdNumber(), tabula::formatText}, {}, {call}},
   };
   Value result;
   for (const auto& [object, number, arguments, value, taken] : cases) {
     for (const int op : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 255}) {
       EXPECT_EQ(Vane::genericIfAttributeOp(*object, result, number, static_cast<U8>(op), arguments, value),
-                taken.contains(op) ? OpStatus::done : OpStatus::opNotValid)
+                taken.contains(static_cast<OpCode>(op)) ? OpStatus::done : OpStatus::opNotValid)
           << object->typeData()->type().name << " " << number << " op " << op;
     }
   }
@@ -142,9 +149,10 @@ TEST(Registry, MistypedArgumentsAreExceptions) {
     }
     return "";
   };
-  EXPECT_EQ(raised(printer, "showInterfacesEgressMtuCounters", OpCode::call, {U32{1}}),
+  EXPECT_EQ(raised(printer, "showInterfacesEgressMtuCounters", OpCode::call, {tabula::formatText}),
             "showInterfacesEgressMtuCounters: expected 2 arguments, got 1");
-  EXPECT_EQ(raised(printer, "showInterfacesQueueDropsCounters", OpCode::call, {U32{1}, U32{1}, printer}),
+  EXPECT_EQ(raised(printer, "showInterfacesQueueDropsCounters", OpCode::call,
+                   {U32{1}, tabula::formatText, printer}),
             "showInterfacesQueueDropsCounters: argument 3: expected LoamCounters::IntfList::PtrConst, got "
             "Mote::Node::Ptr");
   EXPECT_EQ(raised(list, "intf", OpCode::enqueue, {}, U32{7}), "expected Nexo::IntfId, got U32");
@@ -163,8 +171,8 @@ TEST(Registry, AnOperationAnswersItsResult) {
   const Value none = Mote::Ptr<const Mote::Node>();
   for (const bool sectionNameIsDue : {true, false}) {
     const Value stillDue = requested(printer, "printDebugCounter", OpCode::call,
-                                     {U32{0}, U32{1}, none, Mote::String(), none, false, sectionNameIsDue,
-                                      Mote::String(), U32{0}, Mote::String()});
+                                     {U32{0}, tabula::formatText, none, Mote::String(), none, false,
+                                      sectionNameIsDue, Mote::String(), U32{0}, Mote::String()});
     EXPECT_EQ(stillDue.as<bool>(), sectionNameIsDue);
   }
 }

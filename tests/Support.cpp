@@ -29,6 +29,15 @@ std::vector<std::string> words(const std::string& text) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
+std::string lines(const std::string& json) {
+  std::string out;
+  for (const char c : json) {
+    out += c;
+    if (c == '{' || c == ',') out += '\n';
+  }
+  return out;
+}
+
 Json quad(U64 base) {
   return {base + 1, base + 2, base + 3, base + 4};
 }
@@ -80,14 +89,15 @@ Json smallSwitch() {
     }
   }
   for (U64 t = 0; t < 12; ++t) {
-    const auto pair = [&](U64 kind, U64 intf) {
-      return Json{{"ucast", quad(egressBase(kind, intf, t, 0))},
-                  {"mcast", quad(egressBase(kind, intf, t, 1))}};
+    const auto pair = [&](EgressRecord record, U64 intf) {
+      return Json{{"ucast", quad(egressBase(record, intf, t, DestType::unicast))},
+                  {"mcast", quad(egressBase(record, intf, t, DestType::multicast))}};
     };
-    counters["egressLag"]["Port-Channel1"]["queues"].push_back(pair(2, 4));
+    counters["egressLag"]["Port-Channel1"]["queues"].push_back(pair(EgressRecord::lag, portChannel1));
     if (t >= 8) continue;
-    counters["egress"]["Ethernet1"]["queues"].push_back(quad(egressBase(0, 1, t, 0)));
-    counters["egressTm"]["Ethernet3"]["queues"].push_back(pair(1, 3));
+    counters["egress"]["Ethernet1"]["queues"].push_back(
+        quad(egressBase(EgressRecord::portMode, ethernet1, t, DestType::unicast)));
+    counters["egressTm"]["Ethernet3"]["queues"].push_back(pair(EgressRecord::queueMode, ethernet3));
   }
   counters["egressTm"]["Ethernet3"]["ambiguousTcs"] = {1};
   return state;

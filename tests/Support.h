@@ -31,17 +31,25 @@ std::vector<std::string> tcs(int count = 8);
 /// Port-Channel1 (no port, in the LAG table), Loopback0 (no queues). `ingressBase` and the other bases give
 /// the counts.
 Json smallSwitch();
-/// The base of queue t of an interface (1 Ethernet1, 2 Ethernet1.5, 3 Ethernet3, 4 Port-Channel1) from a
-/// source (0 core A.0, 1 core A.1, 2 core B).
+/// Its interfaces with counters, in that order.
+enum SmallIntf : U64 { ethernet1 = 1, subInterface, ethernet3, portChannel1 };
+/// Its egress records, and the destination types within them.
+enum class EgressRecord : U64 { portMode, queueMode, lag };
+enum class DestType : U64 { unicast, multicast };
+/// The base of queue t of an interface from a source (0 core A.0, 1 core A.1, 2 core B).
 inline U64 ingressBase(U64 intf, U64 source, U64 t) {
   return intf * 100'000 + source * 10'000 + t * 10;
 }
 /// The sum of a queue over the three sources.
 Json ingressSum(U64 intf, U64 t);
-/// The base of an egress queue of an interface; `kind` is 0 port mode, 1 queue mode, 2 LAG.
-inline U64 egressBase(U64 kind, U64 intf, U64 t, U64 destType) {
-  return 1'000'000 * (kind + 1) + intf * 100'000 + t * 100 + destType * 10;
+/// The base of an egress queue of an interface.
+inline U64 egressBase(EgressRecord record, U64 intf, U64 t, DestType destType) {
+  return 1'000'000 * (static_cast<U64>(record) + 1) + intf * 100'000 + t * 100 +
+         static_cast<U64>(destType) * 10;
 }
+
+/// A JSON text with a member in each line, so that the report of a wrong one shows which members differ.
+std::string lines(const std::string& json);
 
 /// What stands between the white space of a text.
 std::vector<std::string> words(const std::string& text);

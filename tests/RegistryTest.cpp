@@ -310,9 +310,6 @@ TEST(IntfLists, KindsHaveNamesAndNumbers) {
                                                    SpecialEgressIntfOrderingInstance, "ingressIntfErp");
 }
 
-static_assert(std::is_same_v<OrderedSystemPhyPortId::PtrConst, Mote::Ptr<const OrderedSystemPhyPortId>>);
-static_assert(std::is_same_v<InterfaceTcContainer::PtrConst, Mote::Ptr<const InterfaceTcContainer>>);
-
 }  // namespace
 
 }  // namespace loamtest

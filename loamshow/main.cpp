@@ -55,21 +55,25 @@ std::string pluginPath(const CommandLine& line) {
   return fs::exists(beside, unreadable) ? beside : programDirectory() / LOAM_PLUGIN_FROM_BIN / fileName;
 }
 
-void print(std::string_view text) {
-  tabula::Printer printer(answerFd, tabula::formatText, true, false, true, 0);
-  printer.addFrills<"%s">(text);
-  printer.close();
+int exitOfOperation() {
+  return tabula::operationInterrupted() ? exitInterrupted : exitWhole;
+}
+
+int print(std::string_view text) {
+  const Interrupts interrupts;
+  tabula::endingOnInterrupt([&] {
+    tabula::Printer printer(answerFd, tabula::formatText, true, false, true, 0);
+    printer.addFrills<"%s">(text);
+    printer.close();
+  });
+  return exitOfOperation();
 }
 
 int run(const CommandLine& line) {
-  if (!line.notice.empty()) {
-    print(line.notice);
-    return exitWhole;
-  }
+  if (!line.notice.empty()) return print(line.notice);
   if (line.command == "registry") {
     loadPlugin(pluginPath(line));
-    print(line.format == tabula::formatJson ? registryJson() : registryListing());
-    return exitWhole;
+    return print(line.format == tabula::formatJson ? registryJson() : registryListing());
   }
   const SwitchState state = loadStateFile(statePath(line));
   if (line.command == "check") {
@@ -81,7 +85,7 @@ int run(const CommandLine& line) {
   loadPlugin(pluginPath(line));
   const Interrupts interrupts;
   runShowCommand(line, state, answerFd);
-  return Interrupts::happened() ? exitInterrupted : exitWhole;
+  return exitOfOperation();
 }
 
 /// Whether the names of a state can be looked up at once: that of a pipe would be waited for.
@@ -100,8 +104,8 @@ int complete(int argc, char** argv) {
   }
   std::string lines;
   for (const std::string& word : completion.words) lines += word + '\n';
-  print(lines);
-  return completion.kind == Names::files ? exitFailed : exitWhole;
+  const int status = print(lines);
+  return completion.kind == Names::files ? exitFailed : status;
 }
 
 int complain(int status, std::string_view problem) {

@@ -100,6 +100,7 @@ extern "C" ssize_t write(int fd, const void* data, size_t size) {
   if (run != nullptr && fd == STDOUT_FILENO) {
     run->said.append(static_cast<const char*>(data), size);
     run->command->whenSaid();
+    tabula::interrupt();  // the user is impatient: this one is nobody else's
     return static_cast<ssize_t>(size);
   }
   if (run != nullptr && fd == run->fd) {

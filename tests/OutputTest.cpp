@@ -148,15 +148,82 @@ TEST(Printer, RefusesBrokenNesting) {
   }
 }
 
-TEST(Printer, TakesNoSilentFailureOfItsLastWrite) {
+/// What work says on standard output.
+std::string said(const std::function<void()>& work) {
+  testing::internal::CaptureStdout();
+  work();
+  return testing::internal::GetCapturedStdout();
+}
+
+/// Writes a line through a Printer that nobody closes, while an interrupt comes or not.
+void printUnclosed(int fd, bool interrupted) {
+  tabula::Printer printer(fd, text, true, false, true, 0);
+  printer.addFrills<"never closed\n">();
+  if (interrupted) tabula::interrupt();
+}
+
+TEST(Printer, LosesNothingSilentlyWhenItIsNotClosed) {
+  const MemoryFile file;
   const int full = ::open("/dev/full", O_WRONLY);
-  EXPECT_DEATH(
-      {
-        tabula::Printer printer(full, text, true, false, true, 0);
-        printer.addFrills<"never closed\n">();
-      },
-      "No space left on device");
+  for (const bool interrupted : {true, false}) {
+    for (const int fd : {file.fd(), full}) {
+      const bool fails = fd == full && !interrupted;
+      testing::internal::CaptureStderr();
+      printUnclosed(fd, interrupted);
+      EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                fails ? "cannot write the answer: No space left on device\n" : "");
+      EXPECT_EQ(said([] { tabula::endingOnInterrupt([] {}); }),
+                interrupted ? "exiting interrupted by user\n" : "");
+    }
+    EXPECT_EQ(file.content(), interrupted ? "" : "never closed\n");
+  }
   ::close(full);
+}
+
+TEST(Interrupts, EndTheOperationThatTheyComeTo) {
+  const auto print = [] { printed(text, [](auto& printer) { printer.template addFrills<"row\n">(); }); };
+  /// Interrupts again while the operation releases what it holds.
+  struct Again {
+    ~Again() { tabula::interrupt(); }
+  };
+  struct Case {
+    const char* name;
+    std::function<void()> work;
+    bool interrupted;
+    bool raises;
+  };
+  const Case cases[] = {
+      {"none", print, false, false},
+      {"one", [&] { tabula::interrupt(), print(); }, true, false},
+      {"two",
+       [&] {
+         const Again again;
+         tabula::interrupt(), print();
+       },
+       true, false},
+      {"after the last byte", [&] { print(), tabula::interrupt(); }, true, false},
+      {"beside an exception",
+       [&] {
+         const Again again;
+         throw std::runtime_error("broken");
+       },
+       true, true},
+  };
+  for (const auto& [name, work, interrupted, raises] : cases) {
+    SCOPED_TRACE(name);
+    bool raised = false;
+    const std::string line = said([&, &operation = work] {
+      try {
+        tabula::endingOnInterrupt(operation);
+      } catch (const std::runtime_error&) {
+        raised = true;
+      }
+    });
+    EXPECT_EQ(raised, raises);
+    EXPECT_EQ(line, interrupted && !raises ? "exiting interrupted by user\n" : "");
+    EXPECT_EQ(tabula::operationInterrupted(), interrupted);
+    EXPECT_FALSE(tabula::interruptPending());
+  }
 }
 
 }  // namespace

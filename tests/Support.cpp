@@ -1,6 +1,7 @@
 #include "tests/Support.h"
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdarg>
@@ -136,8 +137,14 @@ MemoryFile::~MemoryFile() {
   ::close(fd_);
 }
 
+std::size_t MemoryFile::size() const {
+  struct stat status {};
+  ::fstat(fd_, &status);
+  return static_cast<std::size_t>(status.st_size);
+}
+
 std::string MemoryFile::content() const {
-  std::string content(static_cast<std::size_t>(::lseek(fd_, 0, SEEK_END)), '\0');
+  std::string content(size(), '\0');
   content.resize(static_cast<std::size_t>(::pread(fd_, content.data(), content.size(), 0)));
   return content;
 }

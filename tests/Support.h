@@ -71,6 +71,7 @@ class MemoryFile {
 
   int fd() const { return fd_; }
   U32 fdNumber() const { return static_cast<U32>(fd_); }
+  std::size_t size() const;
   std::string content() const;
   /// A path under which other processes can open it, too, while this one runs.
   std::string path() const;

@@ -10,10 +10,10 @@ namespace loamshow {
 
 namespace {
 
-// An alarm comes again each second until the interrupt is taken: a signal that arrives just before a write
-// begins does not end that write, and the alarm does.
+// From the first interrupt on, an alarm comes each second: a signal that arrives just before a write begins
+// does not end that write, and the alarm does.
 void onAlarm(int /*signal*/) {
-  if (tabula::interruptPending()) ::alarm(1);
+  ::alarm(1);
 }
 
 void onInterrupt(int /*signal*/) {
@@ -35,13 +35,9 @@ Interrupts::Interrupts() {
 }
 
 Interrupts::~Interrupts() {
-  handle(SIGINT, SIG_DFL);
+  handle(SIGINT, SIG_IGN);
+  handle(SIGALRM, SIG_IGN);
   ::alarm(0);
-  handle(SIGALRM, SIG_DFL);
-}
-
-bool Interrupts::happened() {
-  return tabula::interruptState.load() == tabula::InterruptState::taken;
 }
 
 }  // namespace loamshow

@@ -4,14 +4,16 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <string>
 
 namespace tabula {
 
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-std::atomic<InterruptState> interruptState{InterruptState::none};
-
 namespace {
+
+// Of the operation that this thread ran last.
+thread_local bool interrupted = false;
 
 bool writable(int fd, int milliseconds) {
   pollfd request{fd, POLLOUT, 0};
@@ -27,17 +29,43 @@ void widenPipe(int fd) {
 
 }  // namespace
 
+namespace detail {
+
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+std::atomic<bool> pendingInterrupt{false};
+
+void raiseInterrupt() {
+  pendingInterrupt.store(false);
+  throw SigIntException();
+}
+
+void operationBegins() noexcept {
+  interrupted = false;
+}
+
+void operationEndsEarly(bool wasInterrupted) noexcept {
+  const bool another = pendingInterrupt.exchange(false);
+  interrupted = wasInterrupted || another;
+}
+
+}  // namespace detail
+
+bool operationInterrupted() noexcept {
+  return interrupted;
+}
+
 void sayExiting(const SigIntException& interrupt) noexcept {
-  constexpr int patience = 20;  // of 50 ms each
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point deadline = Clock::now() + std::chrono::seconds(1);
   const std::string line = std::string("exiting ") + interrupt.what() + "\n";
   std::string_view rest = line;
   if (!writable(STDOUT_FILENO, 0)) widenPipe(STDOUT_FILENO);
-  for (int i = 0; i < patience && !rest.empty() && !interruptPending(); ++i) {
+  do {
     if (!writable(STDOUT_FILENO, 50)) continue;
     const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
     if (written < 0 && errno != EINTR && errno != EAGAIN) return;
     if (written > 0) rest.remove_prefix(static_cast<std::size_t>(written));
-  }
+  } while (!rest.empty() && !interruptPending() && Clock::now() < deadline);
 }
 
 }  // namespace tabula

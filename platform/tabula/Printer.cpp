@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <exception>
 #include <system_error>
 
@@ -17,8 +18,10 @@ Printer::~Printer() {
   const bool endsEarly = std::uncaught_exceptions() > exceptions_;
   try {
     flushBuffer();
+  } catch (const SigIntException&) {
+    interrupt();  // it cannot be raised here, and stays pending for whoever looks next
   } catch (const std::exception& failure) {
-    if (!endsEarly) Vane::fatal(failure.what());
+    if (!endsEarly) std::fprintf(stderr, "%s\n", failure.what());
   }
 }
 

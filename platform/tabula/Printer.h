@@ -11,9 +11,9 @@ class Printer : public Renderer {
  public:
   /// `format` is 1 for text, 2 for JSON. The descriptor stays the caller's. The other four say nothing here.
   Printer(int fd, U32 format, bool, bool, bool, U32);
-  /// Writes what is still buffered. When an exception ends the operation early, those rows are part of the
-  /// answer, and a failure of that write is not heard beside the exception. Otherwise close() comes first,
-  /// since a failure here is fatal.
+  /// Writes what is still buffered and raises nothing: a failed write is reported on standard error, unless
+  /// an exception that ends the operation already tells of a failure; an interrupt stays pending. An
+  /// operation that is to raise them calls close() first.
   ~Printer() override;
 
   /// Writes what is still buffered. The answer is whole, and nobody has interrupted it, when this has

@@ -94,8 +94,7 @@ void Renderer::flushBuffer() {
 
 void Renderer::throwInterrupt() {
   at_ = buffer_.get();
-  interruptState.store(InterruptState::taken);
-  throw SigIntException();
+  detail::raiseInterrupt();
 }
 
 int Renderer::writeAcross(std::string_view format, std::span<const Piece> pieces, const Arg* args) {

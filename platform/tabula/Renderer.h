@@ -70,6 +70,15 @@ class Renderer : public Mote::Node {
   /// Hands on what has been buffered.
   void ioflush();
 
+  /// Raises SigIntException when an interrupt is pending. What is buffered is dropped then: nobody waits for
+  /// it, and writing it could block for ever. For the steps of a walk that write nothing; every other call
+  /// does it, too.
+  void checkInterrupt() {
+    if (interruptPending()) [[unlikely]] {
+      throwInterrupt();
+    }
+  }
+
   bool knownFormat() const noexcept { return knownFormat_; }
 
  protected:
@@ -77,13 +86,6 @@ class Renderer : public Mote::Node {
 
   /// Takes the buffered bytes of the answer, which are then gone from the buffer, whatever it raises.
   virtual void take(std::string_view bytes) = 0;
-  /// Raises SigIntException when an interrupt is pending. What is buffered is dropped then: nobody waits for
-  /// it, and writing it could block for ever.
-  void checkInterrupt() {
-    if (interruptPending()) [[unlikely]] {
-      throwInterrupt();
-    }
-  }
   void flushBuffer();
   /// Fatal when a scope of the model is open.
   void checkClosed() const;

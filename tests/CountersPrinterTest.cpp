@@ -9,6 +9,7 @@
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "LoamCounters/QueueCountersPrinter/CpuQueues.h"
+#include "LoamCounters/QueueCountersPrinter/IntfSelection.h"
 #include "loamshow/state/StateFile.h"
 #include "platform/tabula.h"
 #include "tests/AnswerParts.h"
@@ -26,13 +27,14 @@ using testing::HasSubstr;
 class Tables : public CounterTables {
  public:
   std::function<void()> atRead = [] {};
+  U64 dropped = 1;  // packets by each interface
   Keel::MaybeU63 mtuTotal;
 
   IngressTcCounter ingressTcCounter(FapId, LocalCoreId, Nexo::IntfId) const override {
     atRead();
-    IngressTcCounter dropped;
-    dropped.total.droppedPackets = 1;
-    return dropped;
+    IngressTcCounter counter;
+    counter.total.droppedPackets = dropped;
+    return counter;
   }
   IngressCounter ingressCounter(const IngressCounterKey&) const override {
     return atRead(), IngressCounter();
@@ -268,6 +270,48 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
          "Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
          "Hardware::Loam::LocalCoreId::null not allowed");
   EXPECT_EQ(users(), usersBefore);
+}
+
+TEST(CountersPrinter, NoticesAnInterruptWhereItShowsNothing) {
+  const Fixture fixture;
+  fixture.tables->dropped = 0;
+  int reads = 0;
+  fixture.tables->atRead = [&] {
+    if (++reads == 3) tabula::interrupt();
+  };
+  const auto intfs = intfListFactory();
+  for (int i = 0; i < 100; ++i) intfs->intfEnq(Nexo::IntfId("Ethernet1"));
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(called(fixture.printer(), "drops", 1, intfs), "");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n");
+  EXPECT_EQ(reads, 4) << "an ingress and an egress record of each interface";
+}
+
+// Also where a step leads to nothing: no port here has an interface, and no interface a port.
+TEST(IntfSelection, NoticesAnInterruptAtEveryStep) {
+  using Hardware::Loam::Status;
+  const Hardware::Loam::SystemPhyPortId port(64);
+  const auto notices = [](const auto& choose) {
+    tabula::interrupt();
+    EXPECT_THROW(choose(allIntfListFactory()), tabula::SigIntException);
+    EXPECT_FALSE(tabula::interruptPending());
+  };
+  const std::pair<const char*, std::function<void(Status&)>> ports[] = {
+      {"kind with a map of ports", [&](Status& status) { status.olpPort.set(0, port); }},
+      {"recirculation", [&](Status& status) { status.recircPort.set({.recircType = 0, .id = 0}, port); }},
+      {"sFlow", [&](Status& status) { status.fapToSflowAccelSppid.set("A", port); }}};
+  for (const auto& [name, enter] : ports) {
+    SCOPED_TRACE(name);
+    const auto status = Mote::make<Status>();
+    enter(*status);
+    notices([&](const auto& lists) { appendSpecialIngressInterfaceNames(lists, status); });
+    notices([&](const auto& lists) { appendSpecialEgressInterfaceNames(lists, status); });
+  }
+  const auto intfs = intfListFactory();
+  intfs->intfEnq(Nexo::IntfId("Ethernet1"));
+  notices([&](const auto& lists) {
+    appendWithVoqInterfaceNames(lists, intfs, Mote::make<Status>(), nullptr, nullptr, true);
+  });
 }
 
 TEST(Threads, ShareOnePrinter) {

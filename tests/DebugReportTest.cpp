@@ -240,6 +240,23 @@ TEST(DebugReport, CarriesOnOrEndsCleanlyAtEveryFault) {
   expectEveryFaultHandled({"debug", 3, [&](U32 fd) { loamshow::runShowCommand(line, state, fd); }});
 }
 
+TEST(DebugReport, AnInterruptEndsAWalkThatShowsNothing) {
+  Json json = debugSwitch();
+  json["debug"]["faps"]["fap2"]["directory"]["blocks"] = {
+      {"endless", {{"c", {{"numInstances", 4294967295}, {"isDropCounter", false}}}}}};
+  const loamshow::SwitchState state = loamshow::parseState("state", json.dump());
+  const MemoryFile file;
+  const std::jthread user([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    tabula::interrupt();
+  });
+  const auto began = std::chrono::steady_clock::now();
+  testing::internal::CaptureStdout();
+  loamshow::runShowCommand(parsed({"debug", "--drops"}), state, file.fdNumber());
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n");
+  EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(3)) << "walked to the end";
+}
+
 TEST(DebugReport, PiecesComposeABlock) {
   const auto printer = debugCountersPrinterFactory();
   const auto counter = Mote::make<CounterDescriptor>();

@@ -78,6 +78,7 @@ bool printCounter(tabula::Printer& printer, const CounterDescriptor::PtrConst& d
   bool sectionDue = printSectionName;
   // A counter without fields, or one field: both are shown the same way.
   const auto print = [&](const auto& shown) {
+    printer.checkInterrupt();
     if (drops && !shown.isDropCounter) return;
     if (sectionDue) printer.addFrills<"[%s]\n">(blockName);
     sectionDue = false;

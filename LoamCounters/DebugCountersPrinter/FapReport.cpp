@@ -39,6 +39,7 @@ struct Report {
     } else {
       // The directory's owner may rebuild it while its blocks are printed.
       for (const Mote::String& listed : naturallySorted(directory->blockToDescriptor.keys())) {
+        printer.checkInterrupt();
         printBlock(directory, shmemMgr, listed);
         if (!usable(directory)) {
           printNotValid(fapName);
@@ -85,6 +86,7 @@ void printDebugCountersBlock(tabula::Printer& printer, const CounterBlockDescrip
                    [](const auto& a, const auto& b) { return naturalCompare(a.first, b.first); });
   bool sectionDue = true;
   for (auto& [name, descriptor] : counters) {
+    printer.checkInterrupt();
     // The block may have changed since its counters were listed.
     if (block->counterDescriptors.version() != listed) descriptor = block->counterDescriptors.get(name);
     if (descriptor == nullptr) continue;

@@ -25,10 +25,14 @@ void printEgressQueues(tabula::Printer& printer, U32 fmt, const CounterEngineAcc
   };
   const IntfList::Ptr intfList = intfLists.intfList();
   for (const Nexo::IntfId intf : intfList->intfs()) {
+    printer.checkInterrupt();
     if (!Nexo::SubIntfId::isSubIntfId(intf)) printIntf(intf, queueModeDefault);
   }
   for (const auto& [kind, intfs] : intfLists.specialEgressIntfLists()) {
-    for (const Nexo::IntfId intf : intfs->intfs()) printIntf(intf, false);
+    for (const Nexo::IntfId intf : intfs->intfs()) {
+      printer.checkInterrupt();
+      printIntf(intf, false);
+    }
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/tabula.h"
+
 namespace LoamCounters {
 
 namespace {
@@ -52,7 +54,10 @@ class Discovery {
   template <class Map>
   void ports(Kind kind, const Map& map) {
     const IntfList::Ptr list = intfListFactory();
-    for (const auto& [key, port] : map) intfListEnq(port.value(), list, status_);
+    for (const auto& [key, port] : map) {
+      tabula::checkInterrupt();
+      intfListEnq(port.value(), list, status_);
+    }
     set(kind, list);
   }
 
@@ -63,6 +68,7 @@ class Discovery {
     const IntfList::Ptr plr = intfListFactory();
     const IntfList::Ptr cpu = intfListFactory();
     for (const auto& [recircPort, port] : status_->recircPort) {
+      tabula::checkInterrupt();
       const U8 type = recircPort.recircType;
       IntfList::Ptr list;
       if (type >= 1 && type <= 4) list = l3Flood;
@@ -88,7 +94,10 @@ class Discovery {
   /// FAPs may share a port, and come in no order: each port once, in the order of the ports.
   void sflowAccel() {
     const OrderedSystemPhyPortId::Ptr ordered = orderedSystemPhyPortIdFactory();
-    for (const auto& [fapName, port] : status_->fapToSflowAccelSppid) ordered->systemPhyPortIdIs(port, true);
+    for (const auto& [fapName, port] : status_->fapToSflowAccelSppid) {
+      tabula::checkInterrupt();
+      ordered->systemPhyPortIdIs(port, true);
+    }
     const IntfList::Ptr list = intfListFactory();
     for (const auto& [port, member] : ordered->systemPhyPortIds()) intfListEnq(port.value(), list, status_);
     set(Side::sflowAccel, list);
@@ -158,6 +167,7 @@ void appendWithVoqInterfaceNames(const AllIntfList::Ptr& allIntfList, const Intf
   const IntfList::Ptr translated = intfListFactory();
   if (status != nullptr) {
     for (const Nexo::IntfId intf : intfList->intfs()) {
+      tabula::checkInterrupt();
       const SystemPhyPortId port = portOfIntf(intf, status);
       if (tmMapping != nullptr && tmMapping->portTmMap.contains(port)) {
         intfListEnq(port.value(), translated, status);

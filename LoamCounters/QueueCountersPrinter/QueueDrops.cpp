@@ -153,7 +153,10 @@ void printShowInterfacesQueueDropsCounters(tabula::Printer& printer, U32 fmt,
   if (status != nullptr && accessor != nullptr && intfLists != nullptr && intfLists->intfList() != nullptr) {
     DropsTable table(printer, fmt, accessor, status, attrs);
     const IntfList::Ptr intfList = intfLists->intfList();
-    for (const Nexo::IntfId intf : intfList->intfs()) table.printIntf(intf);
+    for (const Nexo::IntfId intf : intfList->intfs()) {
+      printer.checkInterrupt();
+      table.printIntf(intf);
+    }
   }
   printer.endDict();
   printer.end();

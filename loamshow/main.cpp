@@ -78,8 +78,9 @@ int run(const CommandLine& line) {
   const SwitchState state = loadStateFile(statePath(line));
   if (line.command == "check") {
     const std::vector<Finding> findings = check(state);
-    print(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
-    return findings.empty() ? exitWhole : exitFailed;
+    const int status =
+        print(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
+    return status == exitWhole && !findings.empty() ? exitFailed : status;
   }
   mountProcessWide(state);
   loadPlugin(pluginPath(line));

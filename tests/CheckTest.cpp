@@ -58,6 +58,15 @@ TEST(Check, NamesEveryMistakeThatAStatePlants) {
         "/status/fapNumCores/10: 8 cores: drops shows 6 at the most, ingress and cpu 7",
         "/status/coppClassNumVoqs: 81 VOQs: cpu shows 80 at the most"}},
       {R"({"status": {"fapNumCores": {"3": 5}, "coppClassNumVoqs": 80}})", {}},
+      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 6, "7": 4}, "coppClassNumVoqs": 1}})",
+       {}},
+      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 6, "7": 4}, "coppClassNumVoqs": 2}})",
+       {"/status/fapNumCores/3: cpu needs FAP port 257 (perInputPortCoppVoqs, coppClassNumVoqs 2), but the "
+        "highest is 256"}},
+      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 7}, "coppClassNumVoqs": 1}})",
+       {"/status/fapNumCores/3: 7 cores: drops shows 6 at the most, ingress and cpu 7",
+        "/status/fapNumCores/3: cpu needs FAP port 384 (perInputPortCoppVoqs, coppClassNumVoqs 1), but the "
+        "highest is 256"}},
       {R"({"counters": {"ingress": [
             {"fapId": 9, "coreId": 6, "intfId": "Ethernet1"},
             {"fapId": 3, "coreId": 2, "intfId": "Ethrnet1", "queues": [[1, 2, 3, 4], [5, 6, 7, 8]], "total": [6, 8, 11, 12]},

@@ -10,12 +10,12 @@
 
 #include "loamshow/cli/CommandLine.h"
 #include "loamshow/cli/Completion.h"
-#include "loamshow/cli/IntfArguments.h"
 #include "loamshow/commands/CheckReport.h"
 #include "loamshow/commands/Interrupts.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
 #include "loamshow/commands/ShowCommands.h"
+#include "loamshow/commands/Warnings.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 #include "platform/tabula.h"
@@ -69,6 +69,12 @@ int print(std::string_view text) {
   return exitOfOperation();
 }
 
+/// Says on standard error what is wrong.
+int complain(int status, std::string_view problem) {
+  std::cerr << "loamshow: " << problem << std::endl;
+  return status;
+}
+
 int run(const CommandLine& line) {
   if (!line.notice.empty()) return print(line.notice);
   if (line.command == "registry") {
@@ -84,6 +90,7 @@ int run(const CommandLine& line) {
   }
   mountProcessWide(state);
   loadPlugin(pluginPath(line));
+  for (const std::string& warning : warnings(line, state)) complain(exitWhole, warning);
   const Interrupts interrupts;
   runShowCommand(line, state, answerFd);
   return exitOfOperation();
@@ -99,19 +106,15 @@ bool isFile(const std::string& path) {
 /// file.
 int complete(int argc, char** argv) {
   Completion completion = completeCommandLine(argc, argv);
-  if (completion.kind == Names::interfaces && isFile(statePath(completion.line))) {
-    const SwitchState state = loadStateFile(statePath(completion.line));
-    completion.words = completeInterface(state.interfaces, completion.typed);
+  const bool namesOfState = completion.kind == Names::interfaces || completion.kind == Names::blocks ||
+                            completion.kind == Names::snapshots;
+  if (namesOfState && isFile(statePath(completion.line))) {
+    completeName(completion, loadStateFile(statePath(completion.line)));
   }
   std::string lines;
   for (const std::string& word : completion.words) lines += word + '\n';
   const int status = print(lines);
   return completion.kind == Names::files ? exitFailed : status;
-}
-
-int complain(int status, std::string_view problem) {
-  std::cerr << "loamshow: " << problem << std::endl;
-  return status;
 }
 
 }  // namespace

@@ -121,7 +121,11 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
     }
     return names;
   };
-  const std::pair<std::vector<std::string>, const char*> cases[] = {
+  const auto malformedRange = [](const std::string& range) {
+    return "malformed range \"" + range +
+           "\": expected a name, \"-\" and the last number, without leading zeros, as in Et1/1-4";
+  };
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"Et1/2", "ethernet1/1,PO1"}, "Ethernet1/2 Ethernet1/1 Port-Channel1"},
       {{"et1/1-3", "et1/2"}, "Ethernet1/1 Ethernet1/2 Ethernet1/3 Ethernet1/2"},
       {{"Port-Channel1-1"}, "Port-Channel1"},
@@ -135,14 +139,22 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
       {{"EHTERNET99"}, "no such interface \"EHTERNET99\"; did you mean Ethernet9?"},
       {{"Ethernet1/999"}, "no such interface \"Ethernet1/999\""},
       {{""}, "no such interface \"\""},
-      {{"Et1/1,"}, "no such interface \"\""},
+      {{"Et1/1,"}, "empty name in list \"Et1/1,\": expected names with commas between, as in Et1/1,Po1"},
+      {{",Et1/1"}, "empty name in list \",Et1/1\": expected names with commas between, as in Et1/1,Po1"},
+      {{"Et1/1,2"},
+       "incomplete name \"2\" in list \"Et1/1,2\": expected complete names or a range, as in Et1/1,Et1/2 or "
+       "Et1/1-2"},
+      {{"2"}, "no such interface \"2\""},
       {{"Et1/1, Et1/2"}, "no such interface \" Et1/2\"; did you mean Et1/2?"},
-      {{"Et1/1-4"}, "no such interface \"Et1/4\" of \"Et1/1-4\""},
-      {{"Et1/3-1"}, "backwards range \"Et1/3-1\""},
-      {{"Et1/01-3"},
-       "malformed range \"Et1/01-3\": expected a number without leading zeros, \"-\", and another"},
-      {{"Et1/1-"}, "malformed range \"Et1/1-\": expected a number without leading zeros, \"-\", and another"},
-      {{"Et1/1-99999999999999999999"}, "no such interface \"Et1/4\" of \"Et1/1-99999999999999999999\""},
+      {{"Et1/1-4"}, "no such interface \"Et1/4\" (in range \"Et1/1-4\")"},
+      {{"Et1/3-1"}, "descending range \"Et1/3-1\""},
+      {{"Et1/01-3"}, malformedRange("Et1/01-3")},
+      {{"Et1/1-"}, malformedRange("Et1/1-")},
+      {{"Et1/1-3/4"}, malformedRange("Et1/1-3/4")},
+      {{"Et9/1-9/4"}, malformedRange("Et9/1-9/4")},
+      {{"Et1/1-Et1/2"}, malformedRange("Et1/1-Et1/2")},
+      {{"Et1/1-99999999999999999999"},
+       "no such interface \"Et1/4\" (in range \"Et1/1-99999999999999999999\")"},
       {{"y18446744073709551615-18446744073709551616"}, "y18446744073709551615 y18446744073709551616"},
       {{"-1"}, "no such interface \"-1\""},
   };

@@ -20,7 +20,7 @@ struct CommandLine {
   bool detail = false;
   bool summary = false;
   bool perPort = false;
-  std::string snapshot = "current";
+  std::optional<std::string> snapshot;
   bool drops = false;
   std::optional<std::string> block;
   bool help = false;

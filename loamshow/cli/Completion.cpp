@@ -1,5 +1,8 @@
 #include "loamshow/cli/Completion.h"
 
+#include "loamshow/cli/IntfArguments.h"
+#include "loamshow/state/DebugNames.h"
+
 namespace loamshow {
 
 namespace {
@@ -61,6 +64,23 @@ Completion completeCommandLine(int argc, const char* const* argv) {
     completion.kind = command->names;
   }
   return completion;
+}
+
+void completeName(Completion& completion, const SwitchState& state) {
+  std::vector<std::string> names;
+  if (completion.kind == Names::interfaces) {
+    names = completeInterface(state.interfaces, completion.typed);
+  } else if (completion.kind == Names::blocks) {
+    names = debugBlocks(state);
+    completion.typed = Mote::String(completion.typed).lowerCase();
+  } else if (completion.kind == Names::snapshots) {
+    names = debugSnapshots(state);
+  }
+  for (const std::string& name : names) {
+    if (completion.kind == Names::interfaces || name.starts_with(completion.typed)) {
+      completion.words.push_back(completion.before + name);
+    }
+  }
 }
 
 }  // namespace loamshow

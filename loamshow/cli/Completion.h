@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "loamshow/cli/CommandTable.h"
+#include "loamshow/state/Switch.h"
 
 namespace loamshow {
 
@@ -17,5 +18,8 @@ struct Completion {
 };
 
 Completion completeCommandLine(int argc, const char* const* argv);
+
+/// Adds the names of a switch that are of the completion's kind.
+void completeName(Completion& completion, const SwitchState& state);
 
 }  // namespace loamshow

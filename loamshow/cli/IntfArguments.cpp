@@ -39,9 +39,8 @@ class Names {
     if (found == byName_.end()) return {};
     const auto& [first, second] = found->second;
     if (second != IntfId()) {
-      throw InputError("ambiguous interface " + quoted(name) + ": " +
-                       std::string(first.stringValue().view()) + " or " +
-                       std::string(second.stringValue().view()));
+      throw InputError("ambiguous interface " + quoted(name) + ": " + printable(first.stringValue()) +
+                       " or " + printable(second.stringValue()));
     }
     return first;
   }
@@ -90,42 +89,53 @@ void increment(std::string& number) {
   }
 }
 
+/// Whether a name that is no interface's is meant as a range: what follows its last hyphen is a number, of
+/// several parts perhaps, or nothing; or what precedes a hyphen is an interface.
+bool looksLikeRange(const Names& names, std::string_view name) {
+  for (std::size_t at = name.find('-'); at != std::string_view::npos; at = name.find('-', at + 1)) {
+    if (names.find(name.substr(0, at)) != IntfId()) return true;
+  }
+  const std::size_t hyphen = name.rfind('-');
+  return hyphen != std::string_view::npos && hyphen > 0 &&
+         name.find_first_not_of("0123456789/.", hyphen + 1) == std::string_view::npos;
+}
+
 /// Appends the members of a range: a name with a number at its end, "-", and the last number.
-void appendRange(const Names& names, std::string_view range, std::size_t hyphen,
-                 std::vector<IntfId>& selected) {
+void appendRange(const Names& names, std::string_view range, std::vector<IntfId>& selected) {
+  const std::size_t hyphen = range.rfind('-');
   const std::string_view left = range.substr(0, hyphen);
   const std::string prefix(left.substr(0, left.find_last_not_of(digits) + 1));
   std::string number(left.substr(prefix.size()));
   const std::string_view last = range.substr(hyphen + 1);
   if (!isNumber(number) || !isNumber(last)) {
     throw InputError("malformed range " + quoted(range) +
-                     ": expected a number without leading zeros, \"-\", and another");
+                     ": expected a name, \"-\" and the last number, without leading zeros, as in Et1/1-4");
   }
-  if (isLess(last, number)) throw InputError("backwards range " + quoted(range));
+  if (isLess(last, number)) throw InputError("descending range " + quoted(range));
   for (;; increment(number)) {
     const IntfId intf = names.find(prefix + number);
     if (intf == IntfId()) {
-      throw InputError("no such interface " + quoted(prefix + number) + " of " + quoted(range));
+      throw InputError("no such interface " + quoted(prefix + number) + " (in range " + quoted(range) + ")");
     }
     selected.push_back(intf);
     if (number == last) break;
   }
 }
 
-/// Whether a name that is no interface's is meant as a range: what follows its last hyphen is a number, or
-/// nothing.
-bool looksLikeRange(std::string_view name, std::size_t hyphen) {
-  return hyphen != std::string_view::npos && hyphen > 0 &&
-         name.find_first_not_of(digits, hyphen + 1) == std::string_view::npos;
-}
-
-void appendName(const Names& names, std::string_view name, std::vector<IntfId>& selected) {
+/// Appends what a member of a list, or an argument that is none, names.
+void appendMember(const Names& names, std::string_view name, std::string_view list,
+                  std::vector<IntfId>& selected) {
   const IntfId intf = names.find(name);
-  const std::size_t hyphen = name.rfind('-');
   if (intf != IntfId()) {
     selected.push_back(intf);
-  } else if (looksLikeRange(name, hyphen)) {
-    appendRange(names, name, hyphen, selected);
+  } else if (name.empty() && !list.empty()) {
+    throw InputError("empty name in list " + quoted(list) +
+                     ": expected names with commas between, as in Et1/1,Po1");
+  } else if (looksLikeRange(names, name)) {
+    appendRange(names, name, selected);
+  } else if (name.data() != list.data() && digits.find(name.front()) != std::string_view::npos) {
+    throw InputError("incomplete name " + quoted(name) + " in list " + quoted(list) +
+                     ": expected complete names or a range, as in Et1/1,Et1/2 or Et1/1-2");
   } else {
     names.throwUnknown(name);
   }
@@ -146,7 +156,7 @@ std::vector<IntfId> selectInterfaces(const std::vector<IntfId>& interfaces,
     }
     for (std::size_t begin = 0; begin <= argument.size();) {
       const std::size_t end = std::min(argument.find(',', begin), argument.size());
-      appendName(names, argument.substr(begin, end - begin), selected);
+      appendMember(names, argument.substr(begin, end - begin), argument, selected);
       begin = end + 1;
     }
   }

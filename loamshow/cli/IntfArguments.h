@@ -12,7 +12,7 @@ namespace loamshow {
 /// arguments and with repetitions; all of them when there are no arguments. An argument is a long or short
 /// name in any case, or a list of such names with commas, each possibly with a range at its end:
 /// "Et1/1-3,Po1". Raises InputError for a name that is none or not one interface's, and for a range that is
-/// malformed or backwards.
+/// malformed, descending or not complete.
 std::vector<Nexo::IntfId> selectInterfaces(const std::vector<Nexo::IntfId>& interfaces,
                                            const std::vector<std::string>& arguments);
 

@@ -80,8 +80,13 @@ void runDebug(const CommandLine& line, const SwitchState& state, U32 fd) {
   }
   Vane::Optional<Mote::String> block;
   if (line.block) block = *line.block;
-  const std::vector<Value> arguments = {managers.handle(),           descriptors.handle(), fd,   line.format,
-                                        Mote::String(line.snapshot), line.drops,           block};
+  const std::vector<Value> arguments = {managers.handle(),
+                                        descriptors.handle(),
+                                        fd,
+                                        line.format,
+                                        Mote::String(line.snapshot.value_or("current")),
+                                        line.drops,
+                                        block};
   Object("LoamCounters::DebugCountersPrinter", {}).call("printDebugCountersPerAFap", arguments);
 }
 

@@ -4,6 +4,17 @@
 
 namespace loamshow {
 
+namespace {
+
+bool hasFapCore(const Hardware::Loam::Status& status) {
+  for (const auto& [fap, cores] : status.fapNumCores) {
+    if (cores != 0 && status.fapIdToName.contains(fap)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 std::string Coverage::reason() const {
   const std::string itsPort = "its port " + std::to_string(port.value());
   switch (kind) {
@@ -36,6 +47,19 @@ Coverage coverage(const SwitchState& state, Nexo::IntfId intf) {
     coverage.kind = found == nullptr ? Kind::noPort : Kind::noQueues;
   }
   return coverage;
+}
+
+std::string whyNoRows(const SwitchState& state, std::string_view command, Nexo::IntfId intf) {
+  const bool isQueues = command == "queues";
+  const bool isIngress = command == "ingress";
+  if (!isQueues && !isIngress && command != "drops") return "";
+  const Coverage shown = coverage(state, intf);
+  if (isQueues ? !shown.byQueues() : !shown.byIngressAndDrops()) return shown.reason();
+  if (Nexo::SubIntfId::isSubIntfId(intf) && state.status->subIntfNumVoqs == 0) {
+    return "sub-interfaces have no VOQs";
+  }
+  if (isIngress && !hasFapCore(*state.status)) return "the switch has no FAP cores";
+  return "";
 }
 
 }  // namespace loamshow

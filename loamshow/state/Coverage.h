@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "loamshow/state/Switch.h"
 
@@ -29,5 +30,9 @@ struct Coverage {
 
 /// Makes three look-ups, whatever the size of the switch.
 Coverage coverage(const SwitchState& state, Nexo::IntfId intf);
+
+/// Why a command that takes interfaces never has rows for this one, whatever is counted: as a part of a
+/// message; empty where it can have some.
+std::string whyNoRows(const SwitchState& state, std::string_view command, Nexo::IntfId intf);
 
 }  // namespace loamshow

@@ -23,7 +23,10 @@ class Identifier {
   }
 
   /// The value that stands for none.
-  static constexpr Self null() requires(Self::upperName == "null") { return Self(Highest); }
+  template <class Id = Self>  // a parameter of its own, since Self is complete only when it is called
+  static constexpr Self null() requires(Id::upperName == "null") {
+    return Self(Highest);
+  }
 
   constexpr Rep value() const noexcept { return value_; }
 

@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <cstdlib>
 #include <functional>
 #include <random>
 
+#include "loamshow/commands/Interrupts.h"
 #include "platform/tabula.h"
 #include "tests/Support.h"
 
@@ -178,6 +181,16 @@ TEST(Printer, LosesNothingSilentlyWhenItIsNotClosed) {
     EXPECT_EQ(file.content(), interrupted ? "" : "never closed\n");
   }
   ::close(full);
+}
+
+TEST(Interrupts, SignalsChangeNothingOnceTheHostIsDone) {
+  const auto signalled = [] {
+    { const loamshow::Interrupts interrupts; }
+    std::raise(SIGINT);
+    std::raise(SIGALRM);
+    std::_Exit(tabula::interruptPending() ? 1 : 0);
+  };
+  EXPECT_EXIT(signalled(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Interrupts, EndTheOperationThatTheyComeTo) {

@@ -1,8 +1,11 @@
-// JSON of any structure and any names, read back by another library.
+// JSON of any structure and any names: what a printer renders is read back by the host's reader and by
+// another library, and the host's writer lays it out as that one does.
 
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Fuzz.h"
+#include "loamshow/json/JsonReader.h"
+#include "loamshow/json/JsonWriter.h"
 
 namespace {
 
@@ -52,6 +55,43 @@ Json filled(loamfuzz::Input& input, tabula::Renderer& printer, bool isDict, int 
   return object;
 }
 
+void requireEqual(loamshow::JsonValue value, const Json& expected) {
+  if (expected.is_string()) {
+    loamfuzz::require(value.text() == expected.get<std::string_view>());
+  } else if (expected.is_number()) {
+    loamfuzz::require(value.integer(0, ~U64{0}) == expected.get<U64>());
+  } else {
+    loamshow::JsonMembers in(value);
+    for (const auto& [key, member] : expected.items()) {
+      loamfuzz::require(in.next() && in.key() == key);
+      requireEqual(in.value(), member);
+    }
+    loamfuzz::require(!in.next());
+  }
+}
+
+void write(loamshow::JsonWriter& out, const Json& json) {
+  if (json.is_string()) {
+    out.value(json.get<std::string_view>());
+  } else if (json.is_number()) {
+    out.value(json.get<U64>());
+  } else {
+    out.beginObject();
+    for (const auto& [key, member] : json.items()) {
+      out.key(key);
+      write(out, member);
+    }
+    out.endObject();
+  }
+}
+
+void requireWritten(const Json& json, loamshow::JsonWriter::Layout layout, int indent) {
+  std::string text;
+  loamshow::JsonWriter out(text, layout);
+  write(out, json);
+  loamfuzz::require(text == json.dump(indent) + "\n");
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -62,5 +102,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   printer.end();
   printer.ioflush();
   loamfuzz::require(Json::parse(printer.text) == expected);
+
+  loamshow::JsonReader reader("answer", loamshow::JsonText(printer.text));
+  requireEqual(reader.root(), expected);
+  reader.finish();
+  requireWritten(expected, loamshow::JsonWriter::Layout::oneLine, -1);
+  requireWritten(expected, loamshow::JsonWriter::Layout::indented, 2);
   return 0;
 }

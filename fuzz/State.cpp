@@ -10,6 +10,7 @@
 #include "fuzz/Fuzz.h"
 #include "loamshow/cli/CommandLine.h"
 #include "loamshow/commands/ShowCommands.h"
+#include "loamshow/state/Capture.h"
 #include "loamshow/state/Check.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
@@ -44,6 +45,13 @@ void ask(const loamshow::SwitchState& state, const std::string& name, U32 format
   loamfuzz::require(answer.empty() || nlohmann::json::accept(answer));
 }
 
+std::string captured(const loamshow::SwitchState& state) {
+  std::string text;
+  loamshow::JsonWriter out(text, loamshow::JsonWriter::Layout::indented);
+  loamshow::capture(state, out);
+  return text;
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -59,6 +67,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       for (const U32 format : {1U, 2U}) ask(state, name, format, fd);
     }
     ask(state, "debug", 1, fd);
+    const std::string copy = captured(state);
+    loamfuzz::require(captured(loamshow::parseState("copy", copy)) == copy);
   } catch (const loamshow::InputError& error) {
     loamfuzz::require(std::string_view(error.what()).starts_with("state: "));
   }

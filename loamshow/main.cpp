@@ -16,6 +16,8 @@
 #include "loamshow/commands/RegistryReport.h"
 #include "loamshow/commands/ShowCommands.h"
 #include "loamshow/commands/Warnings.h"
+#include "loamshow/json/JsonWriter.h"
+#include "loamshow/state/Capture.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 #include "platform/tabula.h"
@@ -59,11 +61,13 @@ int exitOfOperation() {
   return tabula::operationInterrupted() ? exitInterrupted : exitWhole;
 }
 
-int print(std::string_view text) {
+/// Prints what `write` passes to the sink that it is given.
+template <class Write>
+int printPieces(Write write) {
   const Interrupts interrupts;
   tabula::endingOnInterrupt([&] {
     tabula::Printer printer(answerFd, tabula::formatText, true, false, true, 0);
-    printer.addFrills<"%s">(text);
+    write([&](std::string_view piece) { printer.addFrills<"%s">(piece); });
     printer.close();
   });
   return exitOfOperation();
@@ -73,6 +77,10 @@ int print(std::string_view text) {
 int complain(int status, std::string_view problem) {
   std::cerr << "loamshow: " << problem << std::endl;
   return status;
+}
+
+int print(std::string_view text) {
+  return printPieces([&](auto sink) { sink(text); });
 }
 
 int run(const CommandLine& line) {
@@ -87,6 +95,12 @@ int run(const CommandLine& line) {
     const int status =
         print(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
     return status == exitWhole && !findings.empty() ? exitFailed : status;
+  }
+  if (line.command == "capture") {
+    return printPieces([&](auto sink) {
+      JsonWriter out(sink, JsonWriter::Layout::indented);
+      capture(state, out);
+    });
   }
   mountProcessWide(state);
   loadPlugin(pluginPath(line));

@@ -1,6 +1,11 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <thread>
 
 #include "loamshow/cli/IntfArguments.h"
+#include "loamshow/state/Source.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 #include "tests/Support.h"
@@ -57,7 +62,18 @@ TEST(StateFile, NamesFileAndMemberOfEveryError) {
       {"/counters/egressTm/a/ambiguousTcs/0", "4", "expected an integer from 0 to 3"},
       {"/counters/egressAcl/a", "9223372036854775808", "expected an integer from 0 to 9223372036854775807"},
       {"/debug/faps/F/directory/blocks/b/c/fields/f/offset", "null", "expected a number"},
-      {"/colour", "1", "unknown member"},
+      {"/skeinMountMode", "1", "expected true or false"},
+      {"/perInputPortCoppVoqs", R"("yes")", "expected true or false"},
+      {"/switch/name", R"("")", "expected a name that is not empty"},
+      {"/switch/takenAt", R"("")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/switch/takenAt", R"("2026-11-23T10:53:60Z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/switch/takenAt", R"("2026-02-29T10:53:00Z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/switch/takenAt", R"("2026-11-23T10:53:31z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/switch/takenAt", R"("2026-11-23T10:53:31.Z")",
+       "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/switch/takenAt", R"("2026-11-23T10:53:31.1234567Z")",
+       "expected a time in UTC such as 2026-11-23T10:53:31Z"},
+      {"/counters/ingress/0/queue", "[]", "unknown member; did you mean queues?"},
       {"/counters/ingress/0/queues", Json(81, zeros()).dump(), "expected at most 80 queues"},
       {"/counters/egress/a/queues", Json(9, zeros()).dump(), "expected at most 8 queues"},
       {"/counters/egressTm/a/queues", Json(9, Json::object()).dump(), "expected at most 8 queues"},
@@ -65,6 +81,33 @@ TEST(StateFile, NamesFileAndMemberOfEveryError) {
   };
   for (const auto& [path, value, error] : misplaced) {
     EXPECT_EQ(stateError(stateWith(path, Json::parse(value)).dump()), line("s.json: %s: %s", path, error));
+  }
+  for (const char* object : {"",
+                             "/switch",
+                             "/status",
+                             "/status/fapRevision/1",
+                             "/status/portMap/2",
+                             "/status/portMapToIntfId/0",
+                             "/status/recircPort/0",
+                             "/tmMapping",
+                             "/internalLagStatus",
+                             "/fabricMcastVoq",
+                             "/counters",
+                             "/counters/ingress/0",
+                             "/counters/egress/a",
+                             "/counters/egressTm/a",
+                             "/counters/egressTm/a/queues/0",
+                             "/counters/egressLag/a",
+                             "/counters/egressLag/a/queues/0",
+                             "/counters/egressMtu/1",
+                             "/debug",
+                             "/debug/faps/F",
+                             "/debug/faps/F/directory",
+                             "/debug/faps/F/directory/blocks/b/c",
+                             "/debug/faps/F/directory/blocks/b/c/fields/f",
+                             "/debug/faps/F/snapshots/s/0"}) {
+    const std::string path = std::string(object) + "/colour";
+    EXPECT_EQ(stateError(stateWith(path, 1).dump()), "s.json: " + path + ": unknown member");
   }
   const std::pair<const char*, const char*> texts[] = {
       {R"({"status": {"fapNumCores": {"1": 1, "1": 1}}})", "/status/fapNumCores/1: repeated key"},
@@ -84,7 +127,57 @@ TEST(StateFile, NamesFileAndMemberOfEveryError) {
       {"[]", "expected an object"},
       {"", "the file is empty"}};
   for (const auto& [text, error] : texts) EXPECT_EQ(stateError(text), std::string("s.json: ") + error);
-  EXPECT_EQ(stateError("{}"), "");
+  for (const char* text : {"{}", R"({"fabricMcastVoq": {}})",
+                           R"({"switch": {"name": "a", "takenAt": "0000-02-29T00:00:00.5Z"}})",
+                           R"({"status": {"portMap": {"2": {"fapId": 2047}}}})",
+                           R"({"counters": {"egressAcl": {"a": null}}})"}) {
+    EXPECT_EQ(stateError(text), "");
+  }
+}
+
+TEST(Source, ReadsFilesAndPipesOfManyReads) {
+  Json state = smallSwitch();
+  for (int i = 0; i < 20'000; ++i) state["interfaces"].push_back("Loopback1" + std::to_string(i));
+  const std::string text = state.dump();
+  const std::size_t interfaces = state["interfaces"].size();
+  const MemoryFile file(text);
+  const loamshow::Source source(file.path());
+  EXPECT_EQ(source.read().interfaces.size(), interfaces);
+  EXPECT_EQ(source.read().interfaces.size(), interfaces);
+
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  std::thread writer([&] {
+    for (std::size_t at = 0; at < text.size(); at += 10'007) {
+      const std::string piece = text.substr(at, 10'007);
+      EXPECT_EQ(::write(ends[1], piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
+    }
+    ::close(ends[1]);
+  });
+  EXPECT_EQ(loamshow::Source("/proc/self/fd/" + std::to_string(ends[0])).read().interfaces.size(),
+            interfaces);
+  writer.join();
+  ::close(ends[0]);
+}
+
+TEST(Source, EndsWhatHasNoEnd) {
+  const auto problemOf = [](const std::string& path, std::size_t most) {
+    try {
+      loamshow::Source(path, most).read();
+    } catch (const loamshow::Unreadable& error) {
+      return std::string("unreadable: ") + error.what();
+    } catch (const InputError& error) {
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  const MemoryFile file("{}");
+  EXPECT_EQ(problemOf(file.path(), 2), "");
+  EXPECT_EQ(problemOf(file.path(), 1), file.path() + ": more than 1 bytes, too much for a state file");
+  EXPECT_EQ(problemOf("/dev/zero", 1'000'000),
+            "/dev/zero: more than 1000000 bytes, too much for a state file");
+  EXPECT_EQ(problemOf("/", 10), "unreadable: /: cannot read: Is a directory");
+  EXPECT_EQ(problemOf("/nowhere", 10), "unreadable: /nowhere: cannot read: No such file or directory");
 }
 
 TEST(StateFile, SurvivesNonsense) {

@@ -126,7 +126,7 @@ TEST(Program, ExplainsWrongUsage) {
   const MemoryFile bad(R"({"status": 1})");
   const std::pair<std::vector<std::string>, testing::Matcher<std::string>> cases[] = {
       {{},
-       "expected a command: queues, ingress, cpu, drops, acl, mtu, debug, registry, check, help (see "
+       "expected a command: queues, ingress, cpu, drops, acl, mtu, debug, capture, registry, check, help (see "
        "--help)"},
       {{""}, "unknown command \"\" (see --help)"},
       {{"queus"}, "unknown command \"queus\"; did you mean queues? (see --help)"},

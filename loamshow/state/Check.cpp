@@ -43,8 +43,8 @@ std::string coreProblem(const SwitchState& state, Hardware::Loam::FapId fap,
                         Hardware::Loam::LocalCoreId core) {
   const U16 cores = state.status->fapNumCores.get(fap);
   if (core.value() < cores) return "";
-  return fapText(state, fap) + " has no core " + std::to_string(core.value()) +
-         " (fapNumCores is " + std::to_string(cores) + ")";
+  return fapText(state, fap) + " has no core " + std::to_string(core.value()) + " (fapNumCores is " +
+         std::to_string(cores) + ")";
 }
 
 std::vector<Finding> check(const SwitchState& state) {

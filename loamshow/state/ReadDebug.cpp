@@ -18,7 +18,8 @@ static void readItem(JsonValue value, const Mote::String& key, Mote::Ptr<const D
   item = descriptor;
 }
 
-static void readItem(JsonValue value, const Mote::String& /*key*/, CounterBlockDescriptorPtrDir::PtrConst& item) {
+static void readItem(JsonValue value, const Mote::String& /*key*/,
+                     CounterBlockDescriptorPtrDir::PtrConst& item) {
   const auto block = Mote::make<CounterBlockDescriptorPtrDir>();
   read(value, block->counterDescriptors);
   item = block;

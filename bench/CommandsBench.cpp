@@ -135,9 +135,9 @@ struct DebugReport {
     const auto descriptor = Mote::make<FapDescriptor>();
     descriptor->counterDescriptorDir = directory;
     descriptors->fapDescriptorIs("Fap0", descriptor);
-    const ShmemWriter writer({{"Fap0", "current", values}});
-    const auto region = Mote::make<Brim::Counters::ShmemRegion>(writer.fd(), "debug");
-    managers->shmemMgrIs("Fap0", Mote::make<Brim::Counters::RegionShmemManager>(region, "Fap0"));
+    const auto manager = Mote::make<MemoryShmemManager>();
+    manager->values.set("current", values);
+    managers->shmemMgrIs("Fap0", manager);
   }
   void print(int fd) const {
     debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, static_cast<U32>(fd),

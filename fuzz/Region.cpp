@@ -1,23 +1,66 @@
-// A shared region with damaged bytes is refused by name, or every counter of it can be read.
+// A counter region with damaged bytes is refused by name, or everything that it lists can be read.
 
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "fuzz/Fuzz.h"
-#include "platform/BrimCounters.h"
+#include "platform/counteragent/RegionReader.h"
+#include "platform/counteragent/RegionWriter.h"
 
 namespace {
 
-using namespace Brim::Counters;
+using namespace LoamCounters;
 
 std::string wholeRegion() {
-  const ShmemWriter writer(
-      {{"F1", "now", {Counter{.value = 1}, Counter{.value = 2}}}, {"F1", "then", {}}, {"F2", "now", {{}}}});
-  std::string region(static_cast<std::size_t>(::lseek(writer.fd(), 0, SEEK_END)), '\0');
-  loamfuzz::require(::pread(writer.fd(), region.data(), region.size(), 0) > 0);
-  return region;
+  const auto made = Mote::make<MemoryCounterTables>();
+  MemoryCounterTables& tables = *made;
+  IngressTcCounter ingress;
+  ingress.queueIs(IngressCounterIndex(1), {});
+  for (const U64 core : {0, 1}) tables.ingressIs(FapId(0), LocalCoreId(core), Nexo::IntfId("E1"), ingress);
+  tables.ingressIs(FapId(1), LocalCoreId(0), Nexo::IntfId("E2"), {});
+  tables.egress.set(Nexo::IntfId("E1"), {});
+  tables.egressTm.set(Nexo::IntfId("E2"), {});
+  tables.egressLag.set(Nexo::IntfId("P"), {});
+  tables.egressAcl.set(Nexo::IntfId("P"), {});
+  for (const U64 fap : {0, 1}) tables.egressMtu.set(FapId(fap), {});
+  const auto manager = Mote::make<Brim::Counters::MemoryShmemManager>();
+  manager->values.set("now", std::vector<Brim::Counters::Counter>(3));
+  manager->values.set("then", {});
+  const auto none = Mote::make<Brim::Counters::MemoryShmemManager>();
+  const std::string path = std::filesystem::temp_directory_path() / ("region." + std::to_string(::getpid()));
+  const CounterRegionWriter writer(path, "{}", tables, {{"F1", manager}, {"F2", none}});
+  std::ifstream file(path, std::ios::binary);
+  writer.remove();
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void readAll(const Region::PtrConst& region) {
+  constexpr std::chrono::milliseconds noWait{0};
+  const RegionTables tables(region, noWait);
+  for (const auto& [source, intf] : tables.ingressKeys()) {
+    tables.ingressTcCounter(source.fapId, source.coreId, intf);
+    tables.ingressCounter({intf, source.fapId, source.coreId, 79});
+  }
+  for (const auto& [intf, number] : region->interfaces()) {
+    tables.ingressSources(intf);
+    tables.ingressTcCounter(Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, intf);
+    tables.egressCounter({intf, 56});
+    tables.egressTmCounter({intf, 56});
+    tables.egressLagCounter({intf, 56});
+    tables.egressAclCounter({intf, 56});
+  }
+  for (const FapId fap : tables.egressMtuKeys()) tables.egressMtuTotalCounter(fap);
+  for (const Region::Manager& fap : region->managers()) {
+    const RegionShmemManager manager(region, fap, noWait);
+    for (const auto& [name, counters] : manager.snapshots()) {
+      for (const U32 index : {0U, 1U, counters - 1, counters}) manager.counter(name, index);
+    }
+  }
 }
 
 }  // namespace
@@ -26,24 +69,25 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string whole = wholeRegion();
   loamfuzz::Input input(data, size);
   std::string region = whole;
-  region.resize(region.size() - (input.flag() ? input.number(region.size()) : 0));
+  region.resize(region.size() - (input.number(8) == 0 ? input.number(region.size()) : 0));
   while (!input.atEnd()) {
+    // Anywhere in it, another word or a small change of the one that was there.
+    const std::size_t at = input.number(whole.size() / 8) * 8;
+    U64 word = 0;
+    if (at + sizeof word > region.size()) continue;
+    std::memcpy(&word, &region[at], sizeof word);
     const U64 value = input.number(~U64{0}) >> input.number(64);
-    const std::size_t at = input.number(256);
-    if (at + sizeof value <= region.size()) std::memcpy(region.data() + at, &value, sizeof value);
+    word = input.flag() ? word + 8 * (value % 32) - 128 : value;
+    std::memcpy(&region[at], &word, sizeof word);
   }
-  const int fd = ::memfd_create("fuzz", 0);
+  const int fd = ::memfd_create("fuzz", MFD_CLOEXEC);
   loamfuzz::require(::write(fd, region.data(), region.size()) == static_cast<ssize_t>(region.size()));
   try {
-    const auto attached = Mote::make<ShmemRegion>(fd, "R");
-    for (const char* fap : {"F1", "F2", ""}) {
-      const auto manager = Mote::make<RegionShmemManager>(attached, fap);
-      for (const char* snapshot : {"now", "then", ""}) {
-        for (const U32 index : {0U, 1U, 2U, 1000U, ~0U}) manager->counter(snapshot, index);
-      }
-    }
-  } catch (const Vane::InternalException& error) {
-    loamfuzz::require(std::string_view(error.what()).starts_with("counter region R: "));
+    readAll(Mote::make<Region>(fd, "R"));
+  } catch (const RegionException& error) {
+    loamfuzz::require(std::string_view(error.what()).starts_with("R: "));
+  } catch (const RecordException& error) {
+    loamfuzz::require(std::string_view(error.what()).starts_with("R: "));
   }
   ::close(fd);
   return 0;

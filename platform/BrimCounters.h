@@ -3,4 +3,4 @@
 // Brim::Counters, the counters framework: descriptors of debug counters, and the reader of their values.
 
 #include "platform/brim/Descriptors.h"
-#include "platform/brim/Shmem.h"
+#include "platform/brim/ShmemManager.h"

@@ -115,10 +115,6 @@ TEST(DebugReport, StopsAtWhatItCannotShow) {
   EXPECT_THAT(show, ThrowsMessage<Vane::InternalException>("unsupported display type"));
 }
 
-ShmemRegion::PtrConst region(const ShmemWriter& writer) {
-  return Mote::make<ShmemRegion>(writer.fd(), "R");
-}
-
 /// A manager that does something to its surroundings at its nth read.
 class Meddler : public MemoryShmemManager {
  public:
@@ -264,8 +260,8 @@ TEST(DebugReport, PiecesComposeABlock) {
   counter->numInstances = 2;
   counter->fetchType = 0;
   const Vane::Seconds nan(std::nan(""));
-  const auto manager = Mote::make<RegionShmemManager>(
-      region(ShmemWriter({{"F", "now", {Counter{.value = 3, .lastDiscontinuity = nan}}}})), "F");
+  const auto manager = Mote::make<MemoryShmemManager>();
+  manager->values.set("now", {Counter{.value = 3, .lastDiscontinuity = nan}});
   const MemoryFile file;
   const U32 fd = file.fdNumber();
   printer->printFapName(fd, tabula::formatText, "F");
@@ -302,57 +298,6 @@ TEST(DebugReport, TracesWhatReadsCounters) {
     lines += line + "\n" + line + " took .* us\n";
   }
   EXPECT_THAT(file.content(), testing::MatchesRegex(lines));
-}
-
-TEST(Shmem, RefusesDamagedRegions) {
-  const ShmemWriter writer({{"F", "now", {Counter{.value = 3}, Counter{.value = 4}}}, {"", "", {}}});
-  std::string whole(256, '\0');
-  whole.resize(static_cast<std::size_t>(::pread(writer.fd(), whole.data(), whole.size(), 0)));
-  const auto refused = [](const std::string& region) {
-    try {
-      Mote::make<ShmemRegion>(MemoryFile(region).fd(), "R");
-      return std::string();
-    } catch (const Vane::InternalException& error) {
-      return std::string(error.what());
-    }
-  };
-  EXPECT_EQ(refused(whole), "");
-  const auto with = [&](std::size_t offset, U64 value) {
-    std::string damaged = whole;
-    std::memcpy(damaged.data() + offset, &value, sizeof value);
-    return damaged;
-  };
-  constexpr std::size_t snapshot = sizeof(RegionHeader);
-  for (const std::string& damaged :
-       {whole.substr(0, whole.size() - 1), whole.substr(0, 10), std::string(),
-        with(offsetof(RegionHeader, magic), 1), with(offsetof(RegionHeader, version), 1),
-        with(offsetof(RegionHeader, version), 0xffffffff00000002),
-        with(snapshot + offsetof(SnapshotHeader, fap), whole.size()),
-        with(snapshot + offsetof(SnapshotHeader, name), ~U64{0}),
-        with(snapshot + offsetof(SnapshotHeader, records), whole.size()),
-        with(snapshot + offsetof(SnapshotHeader, records), 73),
-        with(snapshot + offsetof(SnapshotHeader, nameSize), 0xffffffff00000003)}) {
-    EXPECT_THAT(refused(damaged), testing::StartsWith("counter region R: "));
-  }
-}
-
-// While a record is written over and over, every field read is one that was written.
-TEST(Shmem, NeverReadsATornField) {
-  const auto record = [](U64 value) {
-    const Vane::Seconds time(static_cast<double>(value >> 32U));
-    return Counter{value, time, time, time, value != 0};
-  };
-  const Counter records[] = {record(0), record(0xffffffffffffffff)};
-  ShmemWriter writer({{"F", "now", {records[0]}}});
-  const auto manager = Mote::make<RegionShmemManager>(region(writer), "F");
-  const std::jthread writing([&](const std::stop_token& stop) {
-    for (U64 i = 0; !stop.stop_requested(); ++i) writer.counterIs(0, 0, records[i % 2]);
-  });
-  for (int i = 0; i < 2'000'000; ++i) {
-    const Counter read = manager->counter("now", 0);
-    ASSERT_TRUE(read.value == records[0].value || read.value == records[1].value) << read.value;
-    ASSERT_TRUE(read.lastUpdate == records[0].lastUpdate || read.lastUpdate == records[1].lastUpdate);
-  }
 }
 
 }  // namespace

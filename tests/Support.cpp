@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 
@@ -151,6 +153,22 @@ std::string MemoryFile::content() const {
 
 std::string MemoryFile::path() const {
   return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_);
+}
+
+TemporaryDirectory::TemporaryDirectory() : path_(std::filesystem::temp_directory_path() / "loamtest.XXXXXX") {
+  if (::mkdtemp(path_.data()) == nullptr) std::abort();
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  std::filesystem::remove_all(path_);
+}
+
+std::vector<std::string> TemporaryDirectory::names() const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(path_))
+    names.push_back(entry.path().filename());
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace loamtest

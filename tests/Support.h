@@ -80,4 +80,20 @@ class MemoryFile {
   int fd_;
 };
 
+/// A directory that goes with all it holds.
+class TemporaryDirectory {
+ public:
+  TemporaryDirectory();
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  ~TemporaryDirectory();
+
+  const std::string& path() const { return path_; }
+  /// What it holds, in ascending order.
+  std::vector<std::string> names() const;
+
+ private:
+  std::string path_;
+};
+
 }  // namespace loamtest

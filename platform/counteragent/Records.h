@@ -76,6 +76,13 @@ class IngressTcCounter {
     return queue.value() < size_ ? queues_[queue.value()] : zero_;
   }
   void queueIs(IngressCounterIndex queue, const IngressCounter& counter) noexcept;
+  /// Makes the record one of `count` queues, 80 at the most, which the caller sets.
+  std::span<IngressCounter> unsetQueues(std::size_t count) noexcept {
+    size_ = static_cast<U32>(count);
+    return {queues_.data(), count};
+  }
+  /// Adds the total and each queue.
+  IngressTcCounter& operator+=(const IngressTcCounter& other) noexcept;
   std::span<const IngressCounter> queues() const noexcept { return {queues_.data(), size_}; }
 
  private:

@@ -32,6 +32,16 @@ Sequence takeSequence(std::string_view text) {
   return {size, true};
 }
 
+bool isUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const bool ascii = static_cast<unsigned char>(text.front()) < 0x80;
+    const Sequence sequence = ascii ? Sequence{1, true} : takeSequence(text);
+    if (!sequence.valid) return false;
+    text.remove_prefix(sequence.size);
+  }
+  return true;
+}
+
 std::string masked(std::string_view text) {
   std::string out;
   out.reserve(text.size());

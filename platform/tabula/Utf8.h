@@ -15,6 +15,9 @@ struct Sequence {
 /// The first stretch of a text that begins with a byte beyond ASCII.
 Sequence takeSequence(std::string_view text);
 
+/// Whether a text is UTF-8 throughout.
+bool isUtf8(std::string_view text);
+
 /// The text for a message on a terminal: '?' instead of control characters (C0, DEL, C1) and of bytes that
 /// are not UTF-8.
 std::string masked(std::string_view text);

@@ -1,0 +1,293 @@
+#include "platform/counteragent/Region.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <atomic>
+#include <bit>
+#include <optional>
+#include <system_error>
+
+#include "platform/tabula/Utf8.h"
+
+namespace LoamCounters {
+
+namespace {
+
+static_assert(std::atomic_ref<U64>::is_always_lock_free);
+
+constexpr U64 structAlignment = 8;
+constexpr U64 heartbeatAt = offsetof(RegionHeader, heartbeat);
+
+U64* wordAt(char* bytes, U64 offset) {
+  return static_cast<U64*>(static_cast<void*>(bytes + offset));
+}
+
+U64 loadWord(char* bytes, U64 offset) {
+  return std::atomic_ref(*wordAt(bytes, offset)).load(std::memory_order_relaxed);
+}
+
+bool within(U64 begin, U64 size, U64 all) {
+  return begin <= all && size <= all - begin;
+}
+
+[[noreturn]] void fail(const Mote::String& name, const std::string& problem) {
+  throw RegionException(name + ": " + problem);
+}
+
+RegionMapping mapped(int fd, const Mote::String& name, RegionAccess access) {
+  struct stat status {};
+  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) fail(name, "not a file");
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size < sizeof(RegionHeader)) fail(name, "truncated counter region");
+  try {
+    return {fd, size, access};
+  } catch (const std::system_error& error) {
+    fail(name, error.what());
+  }
+}
+
+}  // namespace
+
+template <class T>
+T Region::load(U64 offset) const {
+  static_assert(sizeof(T) % sizeof(U64) == 0);
+  if (offset % structAlignment != 0 || !within(offset, sizeof(T), mapping_.size())) {
+    damaged("a structure outside of it");
+  }
+  std::array<U64, sizeof(T) / sizeof(U64)> words;
+  for (std::size_t i = 0; i < words.size(); ++i) words[i] = loadWord(mapping_.bytes(), offset + 8 * i);
+  if (mapping_.hasHole()) damaged("");
+  return std::bit_cast<T>(words);
+}
+
+template <class T>
+T Region::element(RegionPart part, U64 number) const {
+  return load<T>(part.offset + number * sizeof(T));
+}
+
+Region::Region(int fd, const Mote::String& name, RegionAccess access)
+    : name_(name), mapping_(mapped(fd, name, access)) {
+  const auto header = load<RegionHeader>(0);
+  if (std::string_view(header.magic, sizeof header.magic) != RegionHeader::expectedMagic) {
+    fail(name_, "not a counter region");
+  }
+  if (header.byteOrder == __builtin_bswap32(RegionHeader::expectedByteOrder)) {
+    fail(name_, "a counter region of another byte order");
+  }
+  if (header.byteOrder != RegionHeader::expectedByteOrder) damaged("unknown byte order");
+  if (header.version != RegionHeader::expectedVersion) {
+    fail(name_, "a counter region of version " + std::to_string(header.version) + ", expected version " +
+                    std::to_string(RegionHeader::expectedVersion));
+  }
+  if (header.size > mapping_.size()) fail(name_, "truncated counter region");
+  if (header.size < mapping_.size()) damaged("more bytes than it says");
+  description_ = header.description;
+  interfaces_ = header.interfaces;
+  faps_ = header.faps;
+  managers_ = header.managers;
+  static_cast<void>(description());
+  checkInterfaces();
+  checkFaps();
+  checkManagers();
+  requireIntact();
+}
+
+void Region::damaged(const char* what) const {
+  if (mapping_.hasHole()) fail(name_, "the counter region was truncated while it was read");
+  fail(name_, std::string("damaged counter region: ") + what);
+}
+
+void Region::requireIntact() const {
+  if (mapping_.hasHole()) damaged("");
+  const auto header = load<RegionHeader>(0);
+  const auto same = [](RegionPart left, RegionPart right) {
+    return left.offset == right.offset && left.count == right.count;
+  };
+  if (std::string_view(header.magic, sizeof header.magic) != RegionHeader::expectedMagic ||
+      header.version != RegionHeader::expectedVersion || header.size != mapping_.size() ||
+      !same(header.description, description_) || !same(header.interfaces, interfaces_) ||
+      !same(header.faps, faps_) || !same(header.managers, managers_)) {
+    damaged("overwritten while it was read");
+  }
+}
+
+void Region::requireArray(RegionPart part, U64 stride, const char* what) const {
+  if (part.count > mapping_.size() / stride || part.offset % structAlignment != 0 ||
+      !within(part.offset, part.count * stride, mapping_.size())) {
+    damaged(what);
+  }
+}
+
+void Region::spend(U64 bytes) {
+  if (bytes > mapping_.size() - spent_) damaged("parts that overlap");
+  spent_ += bytes;
+}
+
+std::string Region::text(RegionPart part) const {
+  if (!within(part.offset, part.count, mapping_.size())) damaged("a text outside of it");
+  return {mapping_.bytes() + part.offset, part.count};
+}
+
+Mote::String Region::nameIn(RegionPart part) const {
+  Mote::String name = text(part);
+  if (name.view().find('\0') != std::string_view::npos) damaged("a name with U+0000");
+  if (!tabula::isUtf8(name)) damaged("a name that is not UTF-8");
+  return name;
+}
+
+std::string Region::description() const {
+  return text(description_);
+}
+
+U64 Region::heartbeat() const noexcept {
+  return loadWord(mapping_.bytes(), heartbeatAt);
+}
+
+void Region::heartbeatIs(U64 nanoseconds) const noexcept {
+  std::atomic_ref(*wordAt(mapping_.bytes(), heartbeatAt)).store(nanoseconds, std::memory_order_relaxed);
+}
+
+U64* Region::record(U64 offset, U64 words) const {
+  if (offset == 0) damaged("a missing record");
+  if (offset % region::recordAlignment != 0 || !within(offset, sizeof(U64) * (1 + words), mapping_.size())) {
+    damaged("a record outside of it");
+  }
+  return wordAt(mapping_.bytes(), offset);
+}
+
+void Region::checkInterfaces() {
+  requireArray(interfaces_, sizeof(RegionInterface), "its interfaces lie outside of it");
+  for (U64 i = 0; i < interfaces_.count; ++i) {
+    const auto intf = element<RegionInterface>(interfaces_, i);
+    spend(intf.name.count);
+    const Nexo::IntfId id(nameIn(intf.name));
+    if (intfs_.find(id) != nullptr) damaged("a repeated interface");
+    intfs_.set(id, static_cast<U32>(i));
+    checkInterface(intf);
+  }
+}
+
+void Region::checkInterface(const RegionInterface& intf) {
+  requireArray(intf.sources, sizeof(RegionSource), "sources of an interface outside of it");
+  spend(intf.sources.count * sizeof(RegionSource));
+  std::optional<RecordTables::Source> last;
+  for (U64 i = 0; i < intf.sources.count; ++i) {
+    const RegionSource entry = source(intf, i);
+    if (entry.fap >= FapId::highest || entry.core > LocalCoreId::highest) damaged("an unknown FAP or core");
+    const RecordTables::Source at{FapId(entry.fap), LocalCoreId(entry.core)};
+    if (last && !(*last < at)) damaged("sources of an interface out of order");
+    record(entry.record, region::ingressWords(entry.queues));
+    last = at;
+  }
+  recordIfAny(intf.egress, region::egressWords);
+  recordIfAny(intf.egressTm, region::egressTmWords);
+  recordIfAny(intf.egressLag, region::egressLagWords);
+  recordIfAny(intf.egressAcl, region::egressAclWords);
+}
+
+RegionInterface Region::interfaceAt(U32 number) const {
+  return element<RegionInterface>(interfaces_, number);
+}
+
+RegionInterface Region::interface(Nexo::IntfId intf) const {
+  const U32* number = intfs_.find(intf);
+  return number == nullptr ? RegionInterface() : interfaceAt(*number);
+}
+
+RegionSource Region::source(const RegionInterface& intf, U64 number) const {
+  const auto source = element<RegionSource>(intf.sources, number);
+  if (source.queues > IngressTcCounter::capacity) damaged("a record of too many queues");
+  return source;
+}
+
+RegionSource Region::sourceOf(const RegionInterface& intf, RecordTables::Source wanted) const {
+  U64 begin = 0;
+  for (U64 end = intf.sources.count; begin < end;) {
+    const U64 middle = begin + (end - begin) / 2;
+    const RegionSource found = source(intf, middle);
+    const auto order =
+        std::pair(found.fap, U16{found.core}) <=> std::pair(wanted.fapId.value(), wanted.coreId.value());
+    if (order == 0) return found;
+    if (order < 0) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return {};
+}
+
+void Region::checkFaps() const {
+  requireArray(faps_, sizeof(RegionFap), "its FAPs lie outside of it");
+  for (U64 i = 0; i < faps_.count; ++i) {
+    const RegionFap entry = fap(i);
+    if (entry.fap >= FapId::highest) damaged("an unknown FAP");
+    if (i > 0 && entry.fap <= fap(i - 1).fap) damaged("FAPs out of order");
+    record(entry.record, region::egressMtuWords);
+  }
+}
+
+RegionFap Region::fap(U64 number) const {
+  return element<RegionFap>(faps_, number);
+}
+
+RegionFap Region::fapOf(FapId wanted) const {
+  U64 begin = 0;
+  for (U64 end = faps_.count; begin < end;) {
+    const U64 middle = begin + (end - begin) / 2;
+    const RegionFap found = fap(middle);
+    if (found.fap == wanted.value()) return found;
+    if (found.fap < wanted.value()) {
+      begin = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  return {};
+}
+
+void Region::checkManagers() {
+  Vane::HashMap<Mote::String, bool> faps;
+  requireArray(managers_, sizeof(RegionManager), "its debug counters lie outside of it");
+  for (U64 i = 0; i < managers_.count; ++i) {
+    const auto manager = element<RegionManager>(managers_, i);
+    requireArray(manager.snapshots, sizeof(RegionSnapshot), "snapshots outside of it");
+    spend(manager.snapshots.count * sizeof(RegionSnapshot));
+    spend(manager.fap.count);
+    const Mote::String fap = nameIn(manager.fap);
+    if (faps.contains(fap)) damaged("repeated debug counters of a FAP");
+    faps.set(fap, true);
+    for (U64 j = 0; j < manager.snapshots.count; ++j) {
+      spend(element<RegionSnapshot>(manager.snapshots, j).name.count);
+    }
+    Vane::HashMap<Mote::String, bool> names;
+    for (const Snapshot& snapshot : snapshotsOf(manager)) {
+      if (names.contains(snapshot.name)) damaged("a repeated snapshot");
+      names.set(snapshot.name, true);
+    }
+  }
+}
+
+std::vector<Region::Snapshot> Region::snapshotsOf(const RegionManager& manager) const {
+  requireArray(manager.snapshots, sizeof(RegionSnapshot), "snapshots outside of it");
+  std::vector<Snapshot> snapshots;
+  for (U64 i = 0; i < manager.snapshots.count; ++i) {
+    const auto snapshot = element<RegionSnapshot>(manager.snapshots, i);
+    requireArray(snapshot.records, region::recordSize(region::debugWords), "a snapshot outside of it");
+    if (snapshot.records.count >> 32U != 0) damaged("a snapshot of too many records");
+    snapshots.push_back({nameIn(snapshot.name), snapshot.records});
+  }
+  return snapshots;
+}
+
+std::vector<Region::Manager> Region::managers() const {
+  std::vector<Manager> managers;
+  for (U64 i = 0; i < managers_.count; ++i) {
+    const auto manager = element<RegionManager>(managers_, i);
+    managers.push_back({nameIn(manager.fap), snapshotsOf(manager)});
+  }
+  return managers;
+}
+
+}  // namespace LoamCounters

@@ -274,8 +274,13 @@ TEST(DebugReport, PiecesComposeABlock) {
   EXPECT_TRUE(print(false, true, 0)) << "a field that is not there is passed over";
   counter->fieldDescriptors.clear();
   EXPECT_TRUE(print(true, true, 0)) << "nothing printed: the section line stays due";
+  EXPECT_TRUE(printer->printDebugCounter(fd, 1, nullptr, "now", manager, false, true, "Block", 0, ""));
+  EXPECT_TRUE(printer->printDebugCounter(fd, 1, counter, "now", nullptr, false, true, "Block", 0, ""));
   EXPECT_FALSE(print(false, true, 0));
   EXPECT_FALSE(print(false, false, 4294967293));
+  counter->numInstances = 1;
+  EXPECT_FALSE(print(false, false, 1)) << "the only instance has no number";
+  counter->numInstances = 2;
   tabula::interrupt();
   EXPECT_THROW(print(false, false, 0), tabula::SigIntException);
   tabula::interrupt();
@@ -283,7 +288,8 @@ TEST(DebugReport, PiecesComposeABlock) {
   tabula::interrupt();
   EXPECT_THROW(printer->printDebugCountersHeader(fd, tabula::formatText), tabula::SigIntException);
   EXPECT_EQ(file.content(), title("F") + "[Block]\n" + counterLine(' ', "C[0] (x)", "3", "never", "never") +
-                                counterLine(' ', "C[-3] (x)", "0", "never", "never"));
+                                counterLine(' ', "C[-3] (x)", "0", "never", "never") +
+                                counterLine(' ', "C (x)", "0", "never", "never"));
 }
 
 TEST(DebugReport, TracesWhatReadsCounters) {

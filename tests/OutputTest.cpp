@@ -60,6 +60,13 @@ TEST(Digits, AreThoseOfTheNumber) {
   for (U64 fours = 0; fours < 10'000; ++fours) {
     expectDigits(fours * 1'0000'0000'0000 + fours * 1'0000'0000 + (9999 - fours) * 1'0000 + fours);
   }
+  for (const U64 power : tabula::detail::powersOfTen) {  // every number of digits
+    for (const U64 number : {power - 1, power, power / 9 * 8 + 1}) {
+      std::array<char, tabula::mostDigits + tabula::writeSlack> digits{};
+      EXPECT_EQ(std::string(digits.data(), tabula::writeNumber(digits.data(), number)),
+                std::to_string(number));
+    }
+  }
   for (int i = 0; i < 10'000; ++i) expectDigits(random() % tabula::detail::tenTo16);
 }
 
@@ -67,6 +74,10 @@ TEST(Printer, EscapesNamesAndValuesInJson) {
   const std::pair<std::string_view, std::string> cases[] = {
       {{"q\"\\/\b\f\n\r\t\x01\x7f\0", 12}, "q\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\x7f\\u0000"},
       {"\xc3\xa4\xf0\x9f\x98\x80", "ä😀"},
+      {"\"2345678 and more, \"8", "\\\"2345678 and more, \\\"8"},
+      // The first and the last characters of two, three and four bytes.
+      {"\u0080\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff",
+       "\u0080\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff"},
       // Broken: alone, overlong, surrogate, above the last, cut off.
       {"\x80|\xc0\xaf|\xed\xa0\x80|\xf4\x90\x80\x80|\xe2\x82", "�|��|���|����|�"}};
   for (const auto& [given, escaped] : cases) {
@@ -137,6 +148,7 @@ TEST(Printer, RefusesBrokenNesting) {
   };
   const std::pair<const char*, std::vector<std::function<void(Printer&)>>> cases[] = {
       {"insideObject", {start, startDict, startSubmodel}},
+      {"insideObject", {startSubmodel}},
       {"closesInnermost", {start, startDict, end}},
       {"everyScopeClosed", {start}},
       {"startedOnce", {start, end, start}},

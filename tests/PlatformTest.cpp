@@ -48,6 +48,12 @@ TEST(Mote, HandlesCountTheirUsers) {
   EXPECT_FALSE(gone);
 }
 
+TEST(Mote, StringsChangeTheCaseOfAsciiLetters) {
+  const Mote::String text("@AZ[`az{\xc4");
+  EXPECT_EQ(text.lowerCase(), "@az[`az{\xc4");
+  EXPECT_EQ(text.upperCase(), "@AZ[`AZ{\xc4");
+}
+
 TEST(Mote, RQueueKeepsOrderAcrossBlocks) {
   Mote::RQueue<int> queue;
   EXPECT_EQ(queue.deq(), 0);
@@ -179,6 +185,8 @@ TEST(Nexo, NamesAndKinds) {
       {"Ethernet1/2.100", "Et1/2.100", Kind::subInterface},
       {"Ethernet1.", "Et1.", Kind::ethernet},
       {"Ethernet", "Et", Kind::other},
+      {"EthernetA", "EtA", Kind::other},
+      {"Ethernet-1", "Et-1", Kind::other},
       {"ethernet1", "ethernet1", Kind::other},
       {"Port-Channel7", "Po7", Kind::portChannel},
       {"Port-Channel7.1", "Po7.1", Kind::subInterface},

@@ -263,6 +263,9 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   const OrderedSystemPhyPortId::PtrConst ports = orderedSystemPhyPortIdFactory();
   EXPECT_FALSE(ports->systemPhyPortId(Hardware::Loam::nullPort));
   EXPECT_EQ(counters->tcDel(3), (IngressCounter{{5, 6, 7, 8}}));
+  counters->tcIs(3, {{5, 6, 7, 8}});
+  counters->tcDelAll();
+  EXPECT_EQ(reader->tc(3), IngressCounter());
   EXPECT_EQ(intfListFactory()->intfDeq(), Nexo::IntfId());
 
   const auto mapping = fapDescriptorMappingFactory();

@@ -40,12 +40,20 @@ fs::path programDirectory() {
   return fs::read_symlink("/proc/self/exe", unreadable).parent_path();
 }
 
-std::string statePath(const CommandLine& line) {
+/// Empty when no switch is given.
+std::string givenState(const CommandLine& line) {
   if (line.state) return *line.state;
   if (line.sample) return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
   const char* fromEnvironment = std::getenv("LOAM_STATE");  // NOLINT(concurrency-mt-unsafe): one thread
-  if (fromEnvironment != nullptr && *fromEnvironment != '\0') return fromEnvironment;
-  throw InputError("no switch given: name its state file with -s or LOAM_STATE, or use --sample");
+  return fromEnvironment == nullptr ? "" : fromEnvironment;
+}
+
+std::string statePath(const CommandLine& line) {
+  std::string path = givenState(line);
+  if (path.empty()) {
+    throw InputError("no switch given: name its state file with -s or LOAM_STATE, or use --sample");
+  }
+  return path;
 }
 
 std::string pluginPath(const CommandLine& line) {
@@ -122,9 +130,8 @@ int complete(int argc, char** argv) {
   Completion completion = completeCommandLine(argc, argv);
   const bool namesOfState = completion.kind == Names::interfaces || completion.kind == Names::blocks ||
                             completion.kind == Names::snapshots;
-  if (namesOfState && isFile(statePath(completion.line))) {
-    completeName(completion, loadStateFile(statePath(completion.line)));
-  }
+  const std::string state = givenState(completion.line);
+  if (namesOfState && isFile(state)) completeName(completion, loadStateFile(state));
   std::string lines;
   for (const std::string& word : completion.words) lines += word + '\n';
   const int status = print(lines);

@@ -16,6 +16,7 @@
 #include <functional>
 #include <thread>
 
+#include "tests/Program.h"
 #include "tests/Support.h"
 
 namespace loamtest {
@@ -24,151 +25,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
-
-/// What no program here takes, however busy the machine is; several of them fit into a test's time limit.
-constexpr std::chrono::seconds patience(20);
-
-/// A running program, its standard output and error on descriptors of the test's choice.
-class Program {
- public:
-  Program(const std::vector<std::string>& arguments, int out, int err) {
-    std::vector<std::string> words = {LOAMSHOW};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-    pid_ = ::fork();
-    if (pid_ != 0) return;
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is ended
-    ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
-    if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
-    ::dup2(err, STDERR_FILENO);
-    ::unsetenv("LOAM_STATE");
-    ::execv(LOAMSHOW, argv.data());
-    ::_exit(127);
-  }
-
-  void signal(int number) const { ::kill(pid_, number); }
-  bool ends(std::chrono::milliseconds within) const {
-    pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
-    const bool ended = ::poll(&end, 1, static_cast<int>(within.count())) > 0;
-    ::close(end.fd);
-    return ended;
-  }
-  /// The exit status, or 1000 + the signal that killed it: one that does not end is killed.
-  int status() const {
-    if (!ends(patience)) signal(SIGKILL);
-    int status = 0;
-    ::waitpid(pid_, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-  }
-
- private:
-  pid_t pid_;
-};
-
-struct Ran {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-Ran run(const std::vector<std::string>& arguments) {
-  const MemoryFile out;
-  const MemoryFile err;
-  const int status = Program(arguments, out.fd(), err.fd()).status();
-  return {status, out.content(), err.content()};
-}
-
-/// What can be read until the last writer has closed the other end, or nothing more comes.
-std::string drained(int fd) {
-  std::string content;
-  std::array<char, 1000> part{};
-  pollfd end{fd, POLLIN, 0};
-  while (::poll(&end, 1, std::chrono::milliseconds(patience).count()) > 0) {
-    const ssize_t size = ::read(fd, part.data(), part.size());
-    if (size <= 0) break;
-    content.append(part.data(), static_cast<std::size_t>(size));
-  }
-  return content;
-}
-
-/// Waits until an end that nobody reads from takes no more of what its writer has.
-void awaitFull(int fd) {
-  pollfd end{fd, POLLOUT, 0};
-  const auto deadline = std::chrono::steady_clock::now() + patience;
-  for (int full = 0; full<5; full = ::poll(&end, 1, 0)> 0 ? 0 : full + 1) {
-    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "nothing fills it";
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-}
-
-struct Pipe {
-  Pipe() {
-    if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
-    ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
-  }
-  ~Pipe() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  void closeEnd(int end) {
-    if (ends[end] >= 0) ::close(std::exchange(ends[end], -1));
-  }
-  std::string drain() {
-    closeEnd(1);
-    return drained(ends[0]);
-  }
-  int ends[2] = {-1, -1};
-};
-
-TEST(Program, ExplainsWrongUsage) {
-  const MemoryFile bad(R"({"status": 1})");
-  const std::pair<std::vector<std::string>, testing::Matcher<std::string>> cases[] = {
-      {{},
-       "expected a command: queues, ingress, cpu, drops, acl, mtu, debug, capture, registry, check, help (see "
-       "--help)"},
-      {{""}, "unknown command \"\" (see --help)"},
-      {{"queus"}, "unknown command \"queus\"; did you mean queues? (see --help)"},
-      {{"help", "mtuu"}, "unknown command \"mtuu\"; did you mean mtu? (see --help)"},
-      {{"help", "mtu", "acl"}, "help takes one command (see --help)"},
-      {{"--jsno"}, "unknown option \"--jsno\"; did you mean --json? (see --help)"},
-      {{"--bogus=3", "mtu"}, "unknown option \"--bogus\" (see --help)"},
-      {{"mtu", "-jx"}, "unknown option \"-x\" (see --help)"},
-      {{"debug", "--blok"}, "unknown option \"--blok\"; did you mean --block? (see --help)"},
-      {{"--detail", "queues"}, "--detail belongs after the command: loamshow queues --detail (see --help)"},
-      {{"mtu", "--detail"}, "mtu does not take --detail, an option of queues and ingress (see --help)"},
-      {{"mtu", "Et1"}, "mtu takes no arguments, but \"Et1\" is one (see --help)"},
-      {{"mtu", "-f", "xml"}, "--format: expected text or json, not \"xml\" (see --help)"},
-      {{"mtu", "-f", "--sample"}, "--format: expected text or json (see --help)"},
-      {{"mtu", "--json=false"}, "--json takes no value (see --help)"},
-      {{"debug", "--sample", "-j"}, "debug: the report has no JSON form (see --help)"},
-      {{"acl", "--state=", "mtu"}, "--state: expected a SOURCE, not \"\" (see --help)"},
-      {{"mtu", "--plugin", ""}, "--plugin: expected a FILE, not \"\" (see --help)"},
-      {{"mtu", "-s", "x", "--sample"},
-       "--state and --sample name two switches: expected one of them (see --help)"},
-      {{"mtu"}, "no switch given: name its state file with -s or LOAM_STATE, or use --sample"},
-      {{"queues", "--sample", "Ethernet99"}, "no such interface \"Ethernet99\""},
-      {{"-s", "/nowhere.json", "mtu"}, "/nowhere.json: cannot read: No such file or directory"},
-      {{"-s", "-", "mtu"}, "standard input: the file is empty"},
-      {{"acl", "++", "--sample"}, "no such interface \"++\""},
-      {{"acl", "--sample", "[a,b]"}, "no such interface \"[a\""},
-      {{"acl", "--sample", "--", "-j"}, "no such interface \"-j\""},
-      {{"-s", bad.path(), "mtu"}, MatchesRegex("/proc/.*: /status: expected an object")},
-      {{"--sample", "--plugin", "/nowhere.so", "mtu"},
-       MatchesRegex("cannot load the plug-in: /nowhere.so: .*")},
-      {{"--sample", "--plugin", "libm.so.6", "mtu"},
-       MatchesRegex("cannot load the plug-in: ./libm.so.6: .*")}};
-  for (const auto& [arguments, error] : cases) {
-    const Ran ran = run(arguments);
-    EXPECT_EQ(ran.status, 2);
-    EXPECT_EQ(ran.out, "");
-    EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
-    EXPECT_THAT(ran.err, testing::StartsWith("loamshow: "));
-    EXPECT_THAT(ran.err.substr(10, ran.err.size() - 11), error);
-  }
-  EXPECT_THAT(run({"--version"}).out, MatchesRegex("loamshow [0-9.]+\n"));
-}
 
 TEST(Program, ReportsFindingsInBothFormats) {
   const MemoryFile clean("{}");
@@ -189,23 +45,6 @@ TEST(Program, ReportsFindingsInBothFormats) {
     EXPECT_EQ(ran.out, out);
     EXPECT_EQ(ran.err, "");
   }
-}
-
-TEST(Program, CompletesWhatIsBeingTyped) {
-  const MemoryFile file(R"({"interfaces": ["Ethernet1/1", "Ethernet2/1.7", "Port-Channel1", "Et2/9"]})");
-  const std::string state = "--state=" + file.path();
-  for (const auto& [words, lines] : std::map<std::vector<std::string>, const char*>{
-           {{"complete", "m"}, "mtu\tEgress MTU counters per FAP\n"},
-           {{"complete", state, "acl", "ET2"}, "Et2/9\n"},  // as long names go before short ones
-           {{"complete", state, "acl", "et1"}, "Et1/1\n"},
-           {{"complete", "acl", "--bogus", "-s", file.path(), "Po1,Ethernet2/"}, "Po1,Ethernet2/1.7\n"},
-           {{"complete", state, "mtu", ""}, ""},
-           {{"complete", "-s", "/nowhere.json", "acl", ""}, ""}}) {
-    const Ran ran = run(words);
-    EXPECT_EQ(ran.status, 0);
-    EXPECT_EQ(ran.out + ran.err, lines);
-  }
-  EXPECT_EQ(run({"complete", "-s", ""}).status, 1) << "a file name";
 }
 
 TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {

@@ -74,7 +74,7 @@ std::size_t roomFor(int fd, std::size_t most) {
 }  // namespace
 
 Source::Source(std::string path, std::size_t most)
-    : path_(std::move(path)), name_(path_ == "-" ? "standard input" : path_), most_(most) {
+    : path_(std::move(path)), name_(path_ == "-" ? "standard input" : printable(path_)), most_(most) {
 }
 
 SwitchState Source::read() const {

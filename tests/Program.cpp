@@ -1,0 +1,107 @@
+#include "tests/Program.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <thread>
+#include <utility>
+
+#include "tests/Support.h"
+
+namespace loamtest {
+
+Program::Program(const std::vector<std::string>& arguments, int out, int err) {
+  std::vector<std::string> words = {LOAMSHOW};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  pid_ = ::fork();
+  if (pid_ != 0) return;
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is ended
+  ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+  if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
+  ::dup2(err, STDERR_FILENO);
+  const char* state = ::getenv("LOAM_TEST_STATE");
+  if (state == nullptr) {
+    ::unsetenv("LOAM_STATE");
+  } else {
+    ::setenv("LOAM_STATE", state, 1);
+  }
+  ::execv(LOAMSHOW, argv.data());
+  ::_exit(127);
+}
+
+void Program::signal(int number) const {
+  ::kill(pid_, number);
+}
+
+bool Program::ends(std::chrono::milliseconds within) const {
+  pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
+  const bool ended = ::poll(&end, 1, static_cast<int>(within.count())) > 0;
+  ::close(end.fd);
+  return ended;
+}
+
+int Program::status() const {
+  if (!ends(patience)) signal(SIGKILL);
+  int status = 0;
+  ::waitpid(pid_, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+}
+
+Ran run(const std::vector<std::string>& arguments) {
+  const MemoryFile out;
+  const MemoryFile err;
+  const int status = Program(arguments, out.fd(), err.fd()).status();
+  return {status, out.content(), err.content()};
+}
+
+std::string drained(int fd) {
+  std::string content;
+  std::array<char, 1000> part{};
+  pollfd end{fd, POLLIN, 0};
+  while (::poll(&end, 1, std::chrono::milliseconds(patience).count()) > 0) {
+    const ssize_t size = ::read(fd, part.data(), part.size());
+    if (size <= 0) break;
+    content.append(part.data(), static_cast<std::size_t>(size));
+  }
+  return content;
+}
+
+void awaitFull(int fd) {
+  pollfd end{fd, POLLOUT, 0};
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  for (int full = 0; full<5; full = ::poll(&end, 1, 0)> 0 ? 0 : full + 1) {
+    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "nothing fills it";
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+Pipe::Pipe() {
+  if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
+  ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
+}
+
+Pipe::~Pipe() {
+  closeEnd(0);
+  closeEnd(1);
+}
+
+void Pipe::closeEnd(int end) {
+  if (ends[end] >= 0) ::close(std::exchange(ends[end], -1));
+}
+
+std::string Pipe::drain() {
+  closeEnd(1);
+  return drained(ends[0]);
+}
+
+}  // namespace loamtest

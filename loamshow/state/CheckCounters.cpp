@@ -11,7 +11,6 @@ namespace {
 
 using Hardware::Loam::FapId;
 using LoamCounters::CounterQuad;
-using LoamCounters::EgressCounterKey;
 using LoamCounters::RecordTables;
 using Nexo::IntfId;
 

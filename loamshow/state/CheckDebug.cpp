@@ -47,8 +47,7 @@ class DebugCheck {
     const U64 end = U64{first} + descriptor.numInstances;
     if (end <= records_) return;
     findings_.push_back({member, "needs record " + std::to_string(end - 1) +
-                                     ", but the longest snapshot has " + std::to_string(records_) +
-                                     " records"});
+                                     ", but the longest snapshot has " + std::to_string(records_)});
   }
 
   void fetchType(const std::string& member, CounterFetchType type) { kind(member, "fetchType", type, 3); }
@@ -58,9 +57,9 @@ class DebugCheck {
 
   void kind(const std::string& member, std::string_view name, U32 value, U32 highest) {
     if (value <= highest) return;
-    findings_.push_back({member + step(name), "unknown kind " + std::to_string(value) + ": debug shows " +
-                                                  (highest == 0 ? "" : "0 to ") + std::to_string(highest) +
-                                                  " only"});
+    findings_.push_back({member + step(name), "unknown kind " + std::to_string(value) +
+                                                  " (known: " + (highest == 0 ? "" : "0 to ") +
+                                                  std::to_string(highest) + ")"});
   }
 
   U32 records_;
@@ -72,10 +71,8 @@ class DebugCheck {
 void checkDebug(const SwitchState& state, Findings& findings) {
   Vane::OrderedMap<Mote::String, bool> known;
   for (const auto& [id, name] : state.status->fapIdToName) known.set(name, true);
-  std::vector<std::string_view> names;
-  const std::vector<Mote::String> knownNames = known.keys();
-  for (const Mote::String& name : knownNames) names.emplace_back(name);
-  NameIndex index(std::move(names));
+  const std::vector<Mote::String> names = known.keys();
+  NameIndex index({names.begin(), names.end()});
 
   std::vector<DebugFap> faps = state.debugFaps;
   std::sort(faps.begin(), faps.end(), [](const DebugFap& a, const DebugFap& b) { return a.name < b.name; });

@@ -63,6 +63,10 @@ void checkNames(const Status& status, Findings& findings) {
   }
 }
 
+std::string shortNameProblem(const std::string& name, const std::string& longName) {
+  return name + " looks like a short name; did you mean " + longName + "?";
+}
+
 /// The ports of interfaces, each once, under the first of its interfaces' names.
 void checkPlaces(const SwitchState& state, Findings& findings) {
   constexpr SystemPhyPortId fabricMeshSwitch{11};  // of the whole switch, on no FAP
@@ -92,15 +96,18 @@ void checkInterfaces(const SwitchState& state, Findings& findings) {
     const std::string name(state.interfaces[i].stringValue());
     const std::string longName = longNameOf(name);
     const Coverage shown = coverage(state, state.interfaces[i]);
+    const auto find = [&](std::string problem) {
+      findings.push_back({member("interfaces", i), std::move(problem)});
+    };
     if (!shown.byQueues()) {
       const bool unknown = shown.kind == Coverage::Kind::noPort && longName.empty();
-      findings.push_back({member("interfaces", i), "only acl can show " + name + ": " + shown.reason() +
-                                                       (unknown ? names.nearMiss(name) : "")});
+      std::string problem = "only acl can show ";
+      problem += name;
+      problem += ": " + shown.reason();
+      if (unknown) problem += names.nearMiss(name);
+      find(std::move(problem));
     }
-    if (!longName.empty()) {
-      findings.push_back(
-          {member("interfaces", i), name + " looks like a short name; did you mean " + longName + "?"});
-    }
+    if (!longName.empty()) find(shortNameProblem(name, longName));
   }
 }
 

@@ -60,6 +60,7 @@ std::string NameIndex::nearMiss(std::string_view word) {
     std::sort(candidates.begin(), candidates.end());
     candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
     std::vector<std::string_view> names;
+    names.reserve(candidates.size());
     for (const U32 candidate : candidates) names.push_back(names_[candidate]);
     found = loamshow::nearMiss(word, names);
   }

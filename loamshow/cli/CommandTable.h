@@ -37,7 +37,7 @@ struct Option {
   std::string_view commands{};  // those that take it, separated by blanks; empty: all
   bool isGlobal = true;         // accepted before the command, too
   /// Raises InputError, "expected ...", for a value that is not one.
-  void (*set)(CommandLine& line, const std::string& value) = nullptr;
+  void (*set)(CommandLine& line, const std::string& value);
 };
 
 /// Sets a member: to true, or to the option's value.
@@ -197,22 +197,17 @@ inline std::string typed(const Option& option) {
   return option.name.empty() ? std::string("-") + option.letter : "--" + std::string(option.name);
 }
 
-// The compiler takes comparisons with null for constants only where no sanitizer watches them.
-#ifndef __SANITIZE_ADDRESS__
-static_assert(std::ranges::all_of(options,
-                                  [](const Option& option) {
-                                    const bool isFirst = option.name.empty()
-                                                             ? findOption(option.letter) == &option
-                                                             : findOption(option.name) == &option &&
-                                                                   (option.letter == '\0' ||
-                                                                    findOption(option.letter) == &option);
-                                    const auto isUnknown = [](std::string_view name) {
-                                      return findCommand(name) == nullptr;
-                                    };
-                                    return isFirst && option.set != nullptr &&
-                                           !anyPart(option.commands, ' ', isUnknown);
-                                  }),
-              "an option has a name or letter of its own, sets something, and names commands that exist");
-#endif
+/// Whether a line of the table has a name or letter of its own, and names commands that exist.
+constexpr bool isSound(const Option& option) {
+  const auto isUnknown = [](std::string_view name) {
+    return std::ranges::count(commands, name, &Command::name) != 1;
+  };
+  const bool hasName = std::ranges::count(options, option.name, &Option::name) == 1;
+  const bool hasLetter = std::ranges::count(options, option.letter, &Option::letter) == 1;
+  return (option.name.empty() ? hasLetter : hasName) && (option.letter == '\0' || hasLetter) &&
+         !anyPart(option.commands, ' ', isUnknown);
+}
+
+static_assert(std::ranges::all_of(options, isSound));
 
 }  // namespace loamshow

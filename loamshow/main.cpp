@@ -5,18 +5,20 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
+#include <functional>
 #include <system_error>
 
 #include "loamshow/cli/CommandLine.h"
 #include "loamshow/cli/Completion.h"
 #include "loamshow/commands/CheckReport.h"
 #include "loamshow/commands/Interrupts.h"
+#include "loamshow/commands/Output.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
-#include "loamshow/commands/ShowCommands.h"
 #include "loamshow/commands/Warnings.h"
 #include "loamshow/json/JsonWriter.h"
+#include "loamshow/now/Answer.h"
+#include "loamshow/now/Repeat.h"
 #include "loamshow/state/Capture.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
@@ -31,7 +33,6 @@ namespace fs = std::filesystem;
 constexpr int exitWhole = 0;
 constexpr int exitFailed = 1;
 constexpr int exitUsage = 2;
-constexpr int exitInterrupted = 130;
 
 constexpr U32 answerFd = STDOUT_FILENO;
 
@@ -66,56 +67,71 @@ std::string pluginPath(const CommandLine& line) {
 }
 
 int exitOfOperation() {
-  return tabula::operationInterrupted() ? exitInterrupted : exitWhole;
-}
-
-/// Prints what `write` passes to the sink that it is given.
-template <class Write>
-int printPieces(Write write) {
-  const Interrupts interrupts;
-  tabula::endingOnInterrupt([&] {
-    tabula::Printer printer(answerFd, tabula::formatText, true, false, true, 0);
-    write([&](std::string_view piece) { printer.addFrills<"%s">(piece); });
-    printer.close();
-  });
-  return exitOfOperation();
+  return tabula::operationInterrupted() ? Interrupts::exitStatus : exitWhole;
 }
 
 /// Says on standard error what is wrong.
 int complain(int status, std::string_view problem) {
-  std::cerr << "loamshow: " << problem << std::endl;
+  warn(problem);
   return status;
 }
 
-int print(std::string_view text) {
-  return printPieces([&](auto sink) { sink(text); });
+int answerWith(const std::function<void(const Sink&)>& write) {
+  const Interrupts interrupts;
+  print(write, answerFd);
+  return exitOfOperation();
+}
+
+int answerWith(std::string_view text) {
+  return answerWith([&](const Sink& sink) { sink(text); });
+}
+
+/// Runs a command that shows counts.
+int show(const CommandLine& line) {
+  const Source source(statePath(line));
+  if (statePath(line) == "-") {
+    if (line.every) throw InputError("--every: expected a file, as standard input can be read only once");
+    if (line.since == "-") throw InputError("--since: expected a file, as standard input is the switch");
+  }
+  History history(source.name());
+  if (line.since) {
+    const Source since(*line.since);
+    history.beginAt(since.name(), since.read());
+  }
+  if (line.every) {
+    loadPlugin(pluginPath(line));
+    const Interrupts interrupts;
+    repeat(line, source, std::move(history), answerFd);
+    return exitOfOperation();
+  }
+  const Shown shown = history.advance(source.read());
+  loadPlugin(pluginPath(line));
+  for (const std::string& warning : warnings(line, shown.state)) warn(warning);
+  const Interrupts interrupts;
+  answer(line, shown, "", answerFd);
+  return exitOfOperation();
 }
 
 int run(const CommandLine& line) {
-  if (!line.notice.empty()) return print(line.notice);
+  if (!line.notice.empty()) return answerWith(line.notice);
   if (line.command == "registry") {
     loadPlugin(pluginPath(line));
-    return print(line.format == tabula::formatJson ? registryJson() : registryListing());
+    return answerWith(line.format == tabula::formatJson ? registryJson() : registryListing());
   }
-  const SwitchState state = loadStateFile(statePath(line));
   if (line.command == "check") {
-    const std::vector<Finding> findings = check(state);
+    const std::vector<Finding> findings = check(loadStateFile(statePath(line)));
     const int status =
-        print(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
+        answerWith(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
     return status == exitWhole && !findings.empty() ? exitFailed : status;
   }
   if (line.command == "capture") {
-    return printPieces([&](auto sink) {
+    const SwitchState state = loadStateFile(statePath(line));
+    return answerWith([&](const Sink& sink) {
       JsonWriter out(sink, JsonWriter::Layout::indented);
       capture(state, out);
     });
   }
-  mountProcessWide(state);
-  loadPlugin(pluginPath(line));
-  for (const std::string& warning : warnings(line, state)) complain(exitWhole, warning);
-  const Interrupts interrupts;
-  runShowCommand(line, state, answerFd);
-  return exitOfOperation();
+  return show(line);
 }
 
 /// Whether the names of a state can be looked up at once: that of a pipe would be waited for.
@@ -134,7 +150,7 @@ int complete(int argc, char** argv) {
   if (namesOfState && isFile(state)) completeName(completion, loadStateFile(state));
   std::string lines;
   for (const std::string& word : completion.words) lines += word + '\n';
-  const int status = print(lines);
+  const int status = answerWith(lines);
   return completion.kind == Names::files ? exitFailed : status;
 }
 

@@ -11,7 +11,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/now/Answer.h"
 #include "loamshow/state/StateFile.h"
 
 namespace loamtest {
@@ -119,12 +119,13 @@ loamshow::CommandLine parsed(const std::vector<std::string>& arguments) {
   return loamshow::parseCommandLine(static_cast<int>(argv.size()), argv.data());
 }
 
-std::string answer(const Json& state, const std::vector<std::string>& arguments) {
+std::string answer(const Json& state, const std::vector<std::string>& arguments, const Json* then) {
   const loamshow::CommandLine line = parsed(arguments);
-  const loamshow::SwitchState switchState = loamshow::parseState("state", state.dump());
-  loamshow::mountProcessWide(switchState);
+  loamshow::History history("state");
+  if (then != nullptr) history.beginAt("then", loamshow::parseState("then", then->dump()));
+  const loamshow::Shown shown = history.advance(loamshow::parseState("state", state.dump()));
   const MemoryFile file;
-  loamshow::runShowCommand(line, switchState, file.fdNumber());
+  loamshow::answer(line, shown, "", file.fdNumber());
   return file.content();
 }
 

@@ -58,7 +58,8 @@ std::vector<std::string> words(const std::string& text);
 loamshow::CommandLine parsed(const std::vector<std::string>& arguments);
 /// The answer of a command line such as {"queues", "-j"} on a state, in this process. Raises what the program
 /// would report.
-std::string answer(const Json& state, const std::vector<std::string>& arguments);
+/// With `then`, counted since that state.
+std::string answer(const Json& state, const std::vector<std::string>& arguments, const Json* then = nullptr);
 
 /// A file in memory, to be written to by its descriptor.
 class MemoryFile {

@@ -133,6 +133,10 @@ class Words {
       if (line_.interfaces.size() > 1) return name + " takes one command";
     }
     if (line_.state && line_.sample) return "--state and --sample name two switches: expected one of them";
+    if (line_.count && !line_.every) return "--count needs --every";
+    if (line_.internal && command.name == "top" && !line_.interfaces.empty()) {
+      return "--internal adds interfaces to all others: expected no interface names";
+    }
     if (!command.hasJson && line_.format == tabula::formatJson) return name + ": the report has no JSON form";
     return "";
   }

@@ -23,6 +23,11 @@ struct CommandLine {
   std::optional<std::string> snapshot;
   bool drops = false;
   std::optional<std::string> block;
+  std::size_t most = 10;  // rows of `top`; 0: all
+  bool byOctets = false;  // `top` ranks by octets instead of packets
+  std::optional<std::string> since;
+  std::optional<double> every;  // seconds
+  std::optional<U64> count;     // of answers
   bool help = false;
   bool version = false;
 

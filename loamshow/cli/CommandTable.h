@@ -54,6 +54,16 @@ inline void setFormat(CommandLine& line, const std::string& value) {
   line.format = value == "text" ? tabula::formatText : tabula::formatJson;
 }
 
+void setEvery(CommandLine& line, const std::string& value);
+void setCount(CommandLine& line, const std::string& value);
+void setMost(CommandLine& line, const std::string& value);
+inline void setBy(CommandLine& line, const std::string& value) {
+  line.byOctets = value == "octets";
+}
+
+/// The commands that show counts.
+inline constexpr std::string_view showCommands = "queues ingress cpu drops acl mtu debug top";
+
 inline constexpr Command commands[] = {
     {.name = "queues",
      .arguments = "[INTF...]",
@@ -81,6 +91,11 @@ inline constexpr Command commands[] = {
      .help = "Debug counters per FAP, as text",
      .example = "--drops --block cgm",
      .hasJson = false},
+    {.name = "top",
+     .arguments = "[INTF...]",
+     .names = Names::interfaces,
+     .help = "Where most is dropped, worst first",
+     .example = "--since earlier.json -n 20"},
     {.name = "capture",
      .help = "Write the switch's state as a state file",
      .example = "--state switch.json > copy.json"},
@@ -109,6 +124,22 @@ inline constexpr Option options[] = {
      .help = "Output format (default: text)",
      .set = setFormat},
     {.name = "json", .letter = 'j', .help = "Short for --format json", .set = setFormat},
+    {.name = "since",
+     .value = "FILE",
+     .names = Names::files,
+     .help = "Count from the counts of an earlier state file",
+     .commands = showCommands,
+     .set = set<&CommandLine::since>},
+    {.name = "every",
+     .value = "SECONDS",
+     .help = "Repeat, counting from the answer before",
+     .commands = showCommands,
+     .set = setEvery},
+    {.name = "count",
+     .value = "N",
+     .help = "End after N answers of --every",
+     .commands = showCommands,
+     .set = setCount},
     {.name = "plugin",
      .value = "FILE",
      .names = Names::files,
@@ -118,7 +149,7 @@ inline constexpr Option options[] = {
     {.name = "version", .help = "Print the version and exit", .set = set<&CommandLine::version>},
     {.name = "internal",
      .help = "Add special interfaces and fabric multicast queues",
-     .commands = "queues ingress",
+     .commands = "queues ingress top",
      .isGlobal = false,
      .set = set<&CommandLine::internal>},
     {.name = "detail",
@@ -136,6 +167,18 @@ inline constexpr Option options[] = {
      .commands = "cpu",
      .isGlobal = false,
      .set = set<&CommandLine::perPort>},
+    {.letter = 'n',
+     .value = "N",
+     .help = "Number of rows, 0 for all (default: 10)",
+     .commands = "top",
+     .isGlobal = false,
+     .set = setMost},
+    {.name = "by",
+     .value = "packets|octets",
+     .help = "What to rank by (default: packets)",
+     .commands = "top",
+     .isGlobal = false,
+     .set = setBy},
     {.name = "snapshot",
      .value = "NAME",
      .names = Names::snapshots,

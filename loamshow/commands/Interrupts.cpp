@@ -16,7 +16,18 @@ void onAlarm(int /*signal*/) {
   ::alarm(1);
 }
 
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): for the signal handler
+volatile std::sig_atomic_t pausing = 0;
+void (*volatile first)() noexcept = nullptr;
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
+
+void takeFirst() {
+  if (first != nullptr) first();
+}
+
 void onInterrupt(int /*signal*/) {
+  takeFirst();
+  if (pausing != 0) ::_exit(Interrupts::exitStatus);
   tabula::interrupt();
   ::alarm(1);
 }
@@ -38,6 +49,19 @@ Interrupts::~Interrupts() {
   handle(SIGINT, SIG_IGN);
   handle(SIGALRM, SIG_IGN);
   ::alarm(0);
+}
+
+void Interrupts::firstIs(void (*action)() noexcept) {
+  first = action;
+}
+
+Interrupts::Pause::Pause() {
+  pausing = 1;
+  if (tabula::interruptPending()) onInterrupt(SIGINT);
+}
+
+Interrupts::Pause::~Pause() {
+  pausing = 0;
 }
 
 }  // namespace loamshow

@@ -1,13 +1,16 @@
 #include "loamshow/commands/ShowCommands.h"
 
 #include <algorithm>
+#include <functional>
 #include <string_view>
 #include <vector>
 
 #include "loamshow/cli/IntfArguments.h"
+#include "loamshow/commands/Output.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/text/InputError.h"
 #include "platform/Cortex.h"
+#include "platform/tabula.h"
 
 namespace loamshow {
 
@@ -71,7 +74,10 @@ constexpr QueueCommand queueCommands[] = {
     {"mtu", "showInterfacesEgressMtuCounters", none},
 };
 
-void runDebug(const CommandLine& line, const SwitchState& state, U32 fd) {
+/// A call that is complete but for being made.
+using Call = std::function<void()>;
+
+Call debugCall(const CommandLine& line, const SwitchState& state, U32 fd) {
   const Object descriptors("LoamCounters::FapDescriptorMapping", {});
   const Object managers("LoamCounters::ShmemMgrMapping", {});
   for (const DebugFap& fap : state.debugFaps) {
@@ -87,23 +93,32 @@ void runDebug(const CommandLine& line, const SwitchState& state, U32 fd) {
                                         Mote::String(line.snapshot.value_or("current")),
                                         line.drops,
                                         block};
-  Object("LoamCounters::DebugCountersPrinter", {}).call("printDebugCountersPerAFap", arguments);
+  return [arguments, printer = Object("LoamCounters::DebugCountersPrinter", {})] {
+    printer.call("printDebugCountersPerAFap", arguments);
+  };
 }
 
-}  // namespace
-
-void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd) {
-  if (line.command == "debug") {
-    runDebug(line, state, fd);
-    return;
-  }
+Call queueCall(const CommandLine& line, const SwitchState& state, U32 fd) {
   const auto* command =
       std::find_if(std::begin(queueCommands), std::end(queueCommands),
                    [&](const QueueCommand& candidate) { return candidate.name == line.command; });
   VANE_ASSERT(command != std::end(queueCommands));
   std::vector<Value> arguments = {fd, line.format};
   for (Value& argument : command->arguments(line, state)) arguments.push_back(std::move(argument));
-  countersPrinter(state).call(command->operation, arguments);
+  return [arguments, printer = countersPrinter(state), operation = command->operation] {
+    printer.call(operation, arguments);
+  };
+}
+
+}  // namespace
+
+void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd, std::string_view heading) {
+  const Call call = line.command == "debug" ? debugCall(line, state, fd) : queueCall(line, state, fd);
+  if (!heading.empty()) {
+    print(heading, fd);
+    if (tabula::operationInterrupted()) return;
+  }
+  call();
 }
 
 }  // namespace loamshow

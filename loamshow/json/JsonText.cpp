@@ -23,10 +23,10 @@ JsonText::JsonText(std::string_view copied) : JsonText(allocated(copied.size() +
   std::copy(copied.begin(), copied.end(), bytes_.get());
 }
 
-JsonText::JsonText(Bytes bytes, std::size_t size) : bytes_(std::move(bytes)), size_(size) {
+JsonText::JsonText(Bytes bytes, std::size_t size) : bytes_(std::move(bytes)), view_(bytes_.get(), size) {
   static_assert(padding >= simdjson::SIMDJSON_PADDING);
   // No JSON goes on with a zero byte, so that a text that ends too early ends there.
-  std::memset(bytes_.get() + size_, 0, padding);
+  std::memset(bytes_.get() + size, 0, padding);
 }
 
 }  // namespace loamshow

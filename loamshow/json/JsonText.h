@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace loamshow {
 
@@ -21,12 +22,16 @@ class JsonText {
   explicit JsonText(std::string_view copied);
   /// Takes over `size` bytes of text. At least `padding` further bytes are allocated after them.
   JsonText(Bytes bytes, std::size_t size);
+  /// Text that outlives the reader, with `padding` zero bytes after its end.
+  static JsonText inPlace(std::string_view padded) { return JsonText(Bytes(), padded); }
 
-  std::string_view view() const { return {bytes_.get(), size_}; }
+  std::string_view view() const { return view_; }
 
  private:
+  JsonText(Bytes bytes, std::string_view view) : bytes_(std::move(bytes)), view_(view) {}
+
   Bytes bytes_;
-  std::size_t size_;
+  std::string_view view_;
 };
 
 }  // namespace loamshow

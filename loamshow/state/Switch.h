@@ -21,6 +21,7 @@ struct DebugFap {
 struct SwitchState {
   Mote::String name;     // empty: not given
   Mote::String takenAt;  // when the counters were read: RFC 3339 in UTC; empty: not given
+  bool isLive = false;   // the counts go on changing while they are read
   std::vector<Nexo::IntfId> interfaces;
   Hardware::Loam::Status::Ptr status = Mote::make<Hardware::Loam::Status>();
   LoamTm::TmMapping::Ptr tmMapping = Mote::make<LoamTm::TmMapping>();

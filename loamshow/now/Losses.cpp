@@ -1,0 +1,80 @@
+#include "loamshow/now/Losses.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace loamshow {
+
+namespace {
+
+/// Kinds whose rows come from one place of an answer keep the order of the answer.
+int rankOf(LossKind kind) {
+  switch (kind) {
+    case LossKind::egressMulticast:
+      return static_cast<int>(LossKind::egressUnicast);
+    case LossKind::cpuEgressMulticast:
+      return static_cast<int>(LossKind::cpuEgressUnicast);
+    default:
+      return static_cast<int>(kind);
+  }
+}
+
+}  // namespace
+
+std::size_t Loss::hash() const noexcept {
+  constexpr U64 factor = 0x9e3779b97f4a7c15;
+  U64 hash = static_cast<U64>(kind);
+  for (const std::string* const name : {interface, queue, source}) {
+    hash = (hash ^ std::bit_cast<std::uintptr_t>(name)) * factor;
+  }
+  return (((hash ^ packets) * factor) ^ octets) * factor >> 32U;
+}
+
+const std::string* Losses::name(std::string_view name) {
+  const auto found = names_.find(name);
+  return found != names_.end() ? &*found : &*names_.emplace(name).first;
+}
+
+bool Losses::hasNearby(const Loss& loss) const {
+  for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
+    if (row->interface != loss.interface || row->kind != loss.kind || row->source != loss.source)
+      return false;
+    if (*row == loss) return true;
+  }
+  return false;
+}
+
+void Losses::add(const Loss& loss) {
+  if (amount(loss) == 0) return;
+  if (scattered_ ? !scattered_->insert(loss).second : hasNearby(loss)) return;
+  rows_.push_back(loss);
+  packets_ += loss.packets;
+  octets_ += loss.octets;
+  total_ += static_cast<double>(amount(loss));
+}
+
+void Losses::expectScattered() {
+  if (!scattered_) scattered_.emplace(rows_.begin(), rows_.end());
+}
+
+std::vector<const Loss*> Losses::worst(std::size_t most) const {
+  std::vector<const Loss*> rows;
+  rows.reserve(rows_.size());
+  for (const Loss& loss : rows_) rows.push_back(&loss);
+  const auto isWorse = [this](const Loss* left, const Loss* right) {
+    if (amount(*left) != amount(*right)) return amount(*left) > amount(*right);
+    if (rankOf(left->kind) != rankOf(right->kind)) return rankOf(left->kind) < rankOf(right->kind);
+    return left < right;  // side by side, as they were added
+  };
+  const std::size_t count = most == 0 ? rows.size() : std::min(most, rows.size());
+  const auto end = rows.begin() + static_cast<std::ptrdiff_t>(count);
+  std::partial_sort(rows.begin(), end, rows.end(), isWorse);
+  rows.resize(count);
+  return rows;
+}
+
+double Losses::share(const Loss& loss) const {
+  return 100 * static_cast<double>(amount(loss)) / total_;
+}
+
+}  // namespace loamshow

@@ -123,9 +123,16 @@ double JsonValue::real() const {
 }
 
 std::string_view JsonValue::text() const {
+  auto value = at<ondemand::value>(place_);
+  const std::string_view token = tokenOf(place_);
   std::string_view text;
-  if (at<ondemand::value>(place_).get_string().get(text) != simdjson::SUCCESS) fail("expected a string");
-  return text;
+  if (token.find('\\') != std::string_view::npos) {
+    if (value.get_string().get(text) != simdjson::SUCCESS) fail("expected a string");
+    return text;
+  }
+  ondemand::raw_json_string raw;
+  if (value.get_raw_json_string().get(raw) != simdjson::SUCCESS) fail("expected a string");
+  return token.substr(1, token.size() - 2);
 }
 
 void JsonValue::integers(std::span<U64> numbers, std::string_view otherwise) const {
@@ -165,7 +172,15 @@ bool JsonMembers::next() {
   ondemand::field field;
   if ((*iterator).get(field) != simdjson::SUCCESS) reader_->failSyntax();
   value_ = placeOf(field.value());
-  if (field.unescaped_key().get(key_) != simdjson::SUCCESS) reader_->failSyntax();
+  // Up to its closing quote, unless an escape comes first. The first pass over the text has seen that quote.
+  const char* const key = field.key().raw();
+  const char* end = key;
+  while (*end != '"' && *end != '\\') ++end;
+  if (*end == '"') {
+    key_ = {key, end};
+  } else if (field.unescaped_key().get(key_) != simdjson::SUCCESS) {
+    reader_->failSyntax();
+  }
   return true;
 }
 

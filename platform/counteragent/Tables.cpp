@@ -1,6 +1,7 @@
 #include "platform/counteragent/Tables.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace LoamCounters {
 
@@ -22,16 +23,24 @@ bool MemoryCounterTables::ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId in
   const auto at = placeOf(sources.places, source);
   if (at != sources.places.end() && at->source == source) return false;
   const std::span<const IngressCounter> queues = counter.queues();
-  sources.places.insert(
-      at, {source, static_cast<U32>(sources.counters.size()), static_cast<U32>(1 + queues.size())});
-  sources.counters.push_back(counter.total);
-  sources.counters.insert(sources.counters.end(), queues.begin(), queues.end());
+  IngressCounter* counters = take(1 + queues.size());
+  counters[0] = counter.total;
+  std::copy(queues.begin(), queues.end(), counters + 1);
+  sources.places.insert(at, {source, static_cast<U32>(1 + queues.size()), counters});
 
   sources.sum.resize(std::max(sources.sum.size(), 1 + queues.size()));
   sources.sum[0] += counter.total;
   for (std::size_t i = 0; i < queues.size(); ++i) sources.sum[1 + i] += queues[i];
   order_.push_back({source, intf});
   return true;
+}
+
+IngressCounter* MemoryCounterTables::take(std::size_t count) {
+  if (count > blockSize - used_) {
+    blocks_.push_back(std::make_unique_for_overwrite<IngressCounter[]>(blockSize));
+    used_ = 0;
+  }
+  return &blocks_.back()[std::exchange(used_, used_ + count)];
 }
 
 std::vector<RecordTables::Source> MemoryCounterTables::ingressSources(Nexo::IntfId intf) const {
@@ -50,7 +59,7 @@ std::span<const IngressCounter> MemoryCounterTables::findIngress(FapId fap, Loca
   const Source source{fap, core};
   const auto at = placeOf(sources->places, source);
   if (at == sources->places.end() || at->source != source) return {};
-  return {&sources->counters[at->begin], at->size};
+  return {at->counters, at->size};
 }
 
 IngressTcCounter MemoryCounterTables::ingressTcCounter(FapId fap, LocalCoreId core, Nexo::IntfId intf) const {

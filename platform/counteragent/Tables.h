@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -86,24 +87,29 @@ class MemoryCounterTables : public RecordTables {
   std::vector<FapId> egressMtuKeys() const override { return egressMtu.keys(); }
 
  private:
-  /// The counters of one interface, those of a source side by side: the total, then the queues as far as they
-  /// are stored. The sources stand in the order of their numbers.
+  static constexpr std::size_t blockSize = 2048;
+
+  /// The records of one interface, in the order of their sources.
   struct Sources {
     struct Place {
       Source source;
-      U32 begin;
       U32 size;
+      const IngressCounter* counters;  // the total, then the queues as far as they are stored
     };
     std::vector<Place> places;
-    std::vector<IngressCounter> counters;
     std::vector<IngressCounter> sum;  // of all sources, kept ready since commands ask for it first
   };
+
+  /// Room for that many counters, which never move: blocks of many records leave no gaps in memory.
+  IngressCounter* take(std::size_t count);
 
   /// A total and its queues; empty when there is no entry.
   std::span<const IngressCounter> findIngress(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
 
   Vane::DenseMap<Nexo::IntfId, Sources, Vane::Hash> ingress_;
   std::vector<IngressKey> order_;
+  std::vector<std::unique_ptr<IngressCounter[]>> blocks_;
+  std::size_t used_ = blockSize;  // of the last block
 };
 
 }  // namespace LoamCounters

@@ -163,6 +163,7 @@ class AnyOption : public args::FlagBase {
   }
 
   /// A value may be missing, so that another option is not taken for it; the message is ours.
+  // NOLINTNEXTLINE(bugprone-exception-escape): the least is below the most
   args::Nargs NumberOfArguments() const noexcept override {
     return {0, option_ != nullptr && !option_->value.empty() ? 1U : 0U};
   }

@@ -11,8 +11,9 @@ std::string printable(std::string_view text) {
   constexpr std::size_t most = 240;
   if (text.size() <= most) return tabula::masked(text);
   std::size_t end = most;
-  while (end > most - 4 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80)
-    --end;  // between characters
+  while (end > most - 4 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
+    --end;  // not within a character
+  }
   return tabula::masked(text.substr(0, end)) + "...";
 }
 

@@ -95,10 +95,8 @@ TEST(CommandLine, CompletesWhatIsBeingTyped) {
            {{"complete", state, "mtu", ""}, ""},
            {{"complete", "help", "re"}, "registry\tTypes and operations the plug-in registers\n"},
            {{"complete", "mtu", "--js"}, "--json\tShort for --format json\n"},
-           {{"complete", "queues", "--s"},
-            "--state\tState file of the switch, '-' for standard input\n"
-            "--sample\tUse the fictitious sample switch\n"
-            "--since\tCount from the counts of an earlier state file\n"},
+           {{"complete", "queues", "--sa"}, "--sample\tUse the fictitious sample switch\n"},
+           {{"complete", "queues", "--su"}, ""},  // an option of cpu
            {{"complete", "--format=j"}, "--format=json\t\n"},
            {{"complete", "-f", "t"}, "text\t\n"},
            {{"complete", "debug", "--sample", "--block", "IRE"}, "ire10\nire9\n"},

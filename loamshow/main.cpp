@@ -20,8 +20,10 @@
 #include "loamshow/now/Answer.h"
 #include "loamshow/now/Repeat.h"
 #include "loamshow/state/Capture.h"
+#include "loamshow/state/RegionState.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
+#include "platform/counteragent/Region.h"
 #include "platform/tabula.h"
 
 namespace loamshow {
@@ -86,6 +88,13 @@ int answerWith(std::string_view text) {
   return answerWith([&](const Sink& sink) { sink(text); });
 }
 
+/// The switch of a command that asks for it once.
+SwitchState stateOf(const CommandLine& line) {
+  SwitchState state = loadStateFile(statePath(line));
+  if (!state.warning.empty()) warn(state.warning);
+  return state;
+}
+
 /// Runs a command that shows counts.
 int show(const CommandLine& line) {
   const Source source(statePath(line));
@@ -96,7 +105,9 @@ int show(const CommandLine& line) {
   History history(source.name());
   if (line.since) {
     const Source since(*line.since);
-    history.beginAt(since.name(), since.read());
+    SwitchState state = since.read();
+    if (state.isLive) throw InputError(since.name() + ": expected a state file, not a counter region");
+    history.beginAt(since.name(), std::move(state));
   }
   if (line.every) {
     loadPlugin(pluginPath(line));
@@ -119,13 +130,13 @@ int run(const CommandLine& line) {
     return answerWith(line.format == tabula::formatJson ? registryJson() : registryListing());
   }
   if (line.command == "check") {
-    const std::vector<Finding> findings = check(loadStateFile(statePath(line)));
+    const std::vector<Finding> findings = check(stateOf(line));
     const int status =
         answerWith(line.format == tabula::formatJson ? checkJson(findings) : checkListing(findings));
     return status == exitWhole && !findings.empty() ? exitFailed : status;
   }
   if (line.command == "capture") {
-    const SwitchState state = loadStateFile(statePath(line));
+    const SwitchState state = stateOf(line);
     return answerWith([&](const Sink& sink) {
       JsonWriter out(sink, JsonWriter::Layout::indented);
       capture(state, out);
@@ -163,11 +174,14 @@ int main(int argc, char** argv) {
   // A reader that has seen enough is no failure to speak of: the write then fails with EPIPE.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // a file at its size limit: EFBIG
+  surviveTruncatedRegions();
   try {
     constexpr std::string_view forShells = "complete";
     if (argc > 2 && argv[1] == forShells) return complete(argc - 1, argv + 1);
     return run(parseCommandLine(argc, argv));
   } catch (const InputError& error) {
+    return complain(exitUsage, error.what());
+  } catch (const LoamCounters::RegionException& error) {
     return complain(exitUsage, error.what());
   } catch (const std::system_error& error) {
     return error.code() == std::errc::broken_pipe ? exitFailed : complain(exitFailed, error.what());

@@ -25,6 +25,7 @@ void addUnknown(std::string_view what, std::string_view name, std::string_view k
 
 std::vector<std::string> warnings(const CommandLine& line, const SwitchState& state) {
   std::vector<std::string> warnings;
+  if (!state.warning.empty()) warnings.push_back(state.warning);
   if (line.block) {
     const Mote::String key = Mote::String(*line.block).lowerCase();
     addUnknown("counter block", *line.block, key, debugBlocks(state), warnings);

@@ -17,6 +17,7 @@
 #include "loamshow/now/Frozen.h"
 #include "loamshow/now/MemoryFile.h"
 #include "loamshow/now/Screen.h"
+#include "platform/counteragent/RegionReader.h"
 #include "platform/tabula.h"
 
 namespace loamshow {
@@ -56,6 +57,8 @@ std::optional<SwitchState> readIfPossible(const Source& source) {
   try {
     return frozen(source.read());
   } catch (const Unreadable& error) {
+    warn(error.what());
+  } catch (const LoamCounters::RecordException& error) {
     warn(error.what());
   }
   return {};

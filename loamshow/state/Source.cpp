@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "loamshow/state/RegionState.h"
 #include "loamshow/state/StateFile.h"
 
 namespace loamshow {
@@ -83,6 +84,7 @@ SwitchState Source::read() const {
   };
   const OpenFile file(path_);
   if (file.fd() < 0) throw failed(errno);
+  if (isRegion(file.fd())) return regionState(name_, file.fd());
   Buffer buffer(roomFor(file.fd(), most_));
   for (ssize_t got = 1; got != 0;) {
     got = buffer.append(file.fd());

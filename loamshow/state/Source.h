@@ -14,7 +14,8 @@ class Unreadable : public InputError {
   using InputError::InputError;
 };
 
-/// Where a switch's state comes from: a state file, or standard input, which can be read once.
+/// Where a switch's state comes from: a state file or a counter region, whichever its content is, or standard
+/// input, which can be read once.
 class Source {
  public:
   /// The largest state file that is read, in bytes, so that a file without an end does not exhaust the
@@ -28,7 +29,7 @@ class Source {
   const std::string& name() const { return name_; }
 
   /// Opens the source and reads the state that it holds now. Raises Unreadable, or another InputError for
-  /// what is read and is no state.
+  /// what is read and is no state, RegionException for a damaged region.
   SwitchState read() const;
 
  private:

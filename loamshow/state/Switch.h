@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "platform/CounterAgent.h"
@@ -34,6 +35,7 @@ struct SwitchState {
   Vane::Seconds switchTimeOffset;
   Hardware::Loam::VoqId fabricMcastVoqMin{0};
   Hardware::Loam::VoqId fabricMcastVoqMax{7};
+  std::string warning;  // what its reader should know of the source; empty: nothing
 };
 
 }  // namespace loamshow

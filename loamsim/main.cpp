@@ -1,0 +1,173 @@
+// loamsim: a switch made of a state file, which publishes its counters in a region and lets them count.
+
+#include <args.hxx>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <iostream>
+#include <system_error>
+#include <thread>
+
+#include "loamshow/json/JsonWriter.h"
+#include "loamshow/state/Capture.h"
+#include "loamshow/state/StateFile.h"
+#include "loamshow/text/InputError.h"
+#include "loamsim/Motion.h"
+
+namespace loamsim {
+
+namespace {
+
+using loamshow::InputError;
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+constexpr int exitDone = 0;
+constexpr int exitFailed = 1;
+constexpr int exitUsage = 2;
+
+constexpr const char* help = R"(usage: loamsim [OPTIONS] STATE REGION
+
+Publishes the switch of a state file in a counter region, and lets it count
+until it is interrupted; then removes the region. loamshow -s REGION shows it.
+
+  STATE                  state file, '-' for standard input
+  REGION                 file to make, best in /dev/shm; replaced if it exists
+  --speed X              count X times as fast as would double the counts in
+                         an hour; 0 stands still (default: 1)
+  --period MILLISECONDS  time between two updates, 0 for as fast as possible
+                         (default: 100)
+  --seed N               make another random sequence (default: 1)
+  --for SECONDS          stop after this time
+  -h, --help             print help and exit
+)";
+
+struct Settings {
+  std::string state;
+  std::string region;
+  double speed = 1;
+  double periodMs = 100;
+  U64 seed = 1;
+  double seconds = HUGE_VAL;
+};
+
+template <class Number>
+void read(const std::string& option, const std::string& value, const char* expected, double most,
+          Number& number) {
+  const char* end = value.data() + value.size();
+  const auto [rest, error] = std::from_chars(value.data(), end, number);
+  if (error != std::errc() || rest != end || !(number >= 0) || static_cast<double>(number) > most) {
+    throw InputError(option + ": expected " + expected + ", not \"" + loamshow::printable(value) + '"');
+  }
+}
+
+/// Nothing when help was asked for.
+std::optional<Settings> settingsOf(int argc, char** argv) {
+  args::ArgumentParser parser("");
+  using Option = args::ValueFlag<std::string>;
+  args::HelpFlag helpFlag(parser, "", "", {'h', "help"});
+  Option speed(parser, "", "", {"speed"});
+  Option period(parser, "", "", {"period"});
+  Option seed(parser, "", "", {"seed"});
+  Option seconds(parser, "", "", {"for"});
+  args::Positional<std::string> state(parser, "", "");
+  args::Positional<std::string> region(parser, "", "");
+  try {
+    parser.ParseCLI(argc, argv);
+  } catch (const args::Help&) {
+    return {};
+  } catch (const args::Error& error) {
+    const std::string_view text = error.what();  // ends with the word that does not fit
+    throw InputError("not understood: " + loamshow::printable(text.substr(text.rfind(' ') + 1)) +
+                     " (see --help)");
+  }
+  if (!region) throw InputError("expected a state file and a region (see --help)");
+  Settings settings{args::get(state), args::get(region)};
+  constexpr double mostSpeed = 1e9;
+  constexpr double mostMs = 86'400'000;
+  constexpr double mostSeconds = 1e9;
+  if (speed) read("--speed", args::get(speed), "a number from 0 to 1e9", mostSpeed, settings.speed);
+  if (period) read("--period", args::get(period), "milliseconds, up to a day", mostMs, settings.periodMs);
+  if (seed) read("--seed", args::get(seed), "a number from 0 on", HUGE_VAL, settings.seed);
+  if (seconds) read("--for", args::get(seconds), "seconds, up to 1e9", mostSeconds, settings.seconds);
+  return settings;
+}
+
+volatile std::sig_atomic_t stopped = 0;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+
+void stopOnSignals() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { stopped = 1; };  // and no SA_RESTART: a sleep is to end
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
+}
+
+LoamCounters::CounterRegionWriter publish(const loamshow::SwitchState& state, const std::string& path) {
+  std::string description;
+  loamshow::JsonWriter out(description, loamshow::JsonWriter::Layout::oneLine);
+  loamshow::captureDescription(state, out);
+  std::vector<LoamCounters::DebugCounters> debug;
+  for (const loamshow::DebugFap& fap : state.debugFaps) {
+    if (fap.manager != nullptr) debug.push_back({fap.name, fap.manager});
+  }
+  return {path, description, *state.counters, debug};
+}
+
+/// Waits until a time, a stop or the next sign of life is due.
+void rest(Clock::time_point until) {
+  constexpr Seconds signOfLife{0.5};
+  const Seconds left = std::min<Seconds>(until - Clock::now(), signOfLife);
+  if (left <= Seconds::zero()) return;
+  const timespec time{0, static_cast<long>(left.count() * 1e9)};
+  ::nanosleep(&time, nullptr);
+}
+
+void run(const Settings& settings) {
+  const loamshow::SwitchState state = loamshow::loadStateFile(settings.state);
+  stopOnSignals();
+  const LoamCounters::CounterRegionWriter writer = publish(state, settings.region);
+  Motion motion(state, settings.speed, settings.seed);
+  const Clock::time_point start = Clock::now();
+  Clock::time_point last = start;
+  while (stopped == 0 && Seconds(Clock::now() - start).count() < settings.seconds) {
+    writer.alive();
+    const Clock::time_point now = Clock::now();
+    if (settings.speed > 0 && Seconds(now - last).count() * 1000 >= settings.periodMs) {
+      motion.advance(Seconds(now - last).count(), writer);
+      last = now;
+    }
+    if (settings.periodMs == 0 && settings.speed > 0) continue;
+    const Seconds next =
+        std::min(Seconds(last - start).count() + settings.periodMs / 1000, settings.seconds) * Seconds(1);
+    rest(start +
+         std::chrono::duration_cast<Clock::duration>(std::max(next, Seconds(now - start) + Seconds(0.001))));
+  }
+  writer.remove();
+}
+
+int complain(int status, const char* problem) {
+  std::cerr << "loamsim: " << problem << std::endl;
+  return status;
+}
+
+}  // namespace
+
+}  // namespace loamsim
+
+int main(int argc, char** argv) {
+  using namespace loamsim;
+  try {
+    if (const auto settings = settingsOf(argc, argv)) {
+      run(*settings);
+    } else {
+      std::cout << help << std::flush;
+    }
+    return exitDone;
+  } catch (const loamshow::InputError& error) {
+    return complain(exitUsage, error.what());
+  } catch (const LoamCounters::RegionException& error) {
+    return complain(exitUsage, error.what());
+  } catch (const std::exception& error) {
+    return complain(exitFailed, error.what());
+  }
+}

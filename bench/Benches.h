@@ -4,7 +4,9 @@ namespace loambench {
 
 /// Rows rendered in memory, against peers that render the same.
 void addRows();
-/// Whole commands, against the floor of their writes; growth, memory, loading, start.
+/// Whole commands, against the floor of their writes; growth, memory, start.
 void addCommands();
+/// Loading a state file, and a call that loads one, against a fast parser on the same text.
+void addLoading();
 
 }  // namespace loambench

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <fstream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "LoamCounters/DebugCountersPrinter/DebugCountersPrinter.h"
@@ -17,7 +16,6 @@
 #include "bench/Rounds.h"
 #include "bench/Switch.h"
 #include "bench/Values.h"
-#include "loamshow/state/StateFile.h"
 #include "platform/Keel.h"
 #include "platform/tabula.h"
 
@@ -231,23 +229,6 @@ void addMemory() {
             [=] { return static_cast<double>(peak(31'250) - peak(32)); });
 }
 
-void addLoading() {
-  addComparison("loading a state file of 10,000 interfaces", 15, [] {
-    const auto text = std::make_shared<std::string>(busyStateFile(10'000));
-    return std::vector<Competitor>{{"bare parse",
-                                    [=] {
-                                      if (nlohmann::json::parse(*text).empty()) std::abort();
-                                    },
-                                    ""},
-                                   {"ours",
-                                    [=] {
-                                      const auto state = loamshow::parseState("bench", *text);
-                                      if (state.interfaces.empty()) std::abort();
-                                    },
-                                    "<= 2"}};
-  });
-}
-
 /// Runs a program until its first byte of output, or its end.
 void runToFirstByte(const char* path, const std::vector<const char*>& arguments) {
   int pipe[2];
@@ -285,7 +266,6 @@ void addCommands() {
   addDebugReport();
   addGrowth();
   addMemory();
-  addLoading();
   addStart();
 }
 

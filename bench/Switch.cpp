@@ -5,10 +5,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <nlohmann/json.hpp>
+#include <span>
 #include <thread>
 
 #include "bench/Values.h"
+#include "loamshow/state/Capture.h"
 
 namespace loambench {
 
@@ -21,7 +22,7 @@ struct Core {
   U64 core;
 };
 
-constexpr Core cores[] = {{0, 0}, {0, 1}, {1, 0}, {2, 0}};
+constexpr Core allCores[] = {{0, 0}, {0, 1}, {1, 0}, {2, 0}, {3, 0}, {3, 1}, {4, 0}, {4, 1}};
 constexpr U64 queueModeFap = 2;
 constexpr U64 firstPort = 64;
 constexpr U64 ports = 32767 - firstPort;
@@ -35,19 +36,16 @@ Hardware::Loam::SystemPhyPortId portOf(std::size_t i) {
   return Hardware::Loam::SystemPhyPortId(firstPort + i % ports);
 }
 
-const Core& coreOf(std::size_t i) {
-  return cores[i % ports % std::size(cores)];
-}
-
 }  // namespace
 
-BusySwitch::BusySwitch(std::size_t interfaces) : intfs(intfListFactory()) {
-  const auto status = Mote::make<Hardware::Loam::Status>();
-  const auto tmMapping = Mote::make<LoamTm::TmMapping>();
+BusySwitch::BusySwitch(std::size_t interfaces, std::size_t coreCount) : intfs(intfListFactory()) {
+  const auto cores = std::span(allCores).first(coreCount);
+  const auto& status = state.status;
+  const auto& tmMapping = state.tmMapping;
   const auto tables = Mote::make<MemoryCounterTables>();
   for (const Core& core : cores) {
     status->fapIdToName.set(FapId(core.fap), "Fap" + std::to_string(core.fap));
-    status->fapNumCores.set(FapId(core.fap), core.fap == 0 ? 2 : 1);
+    status->fapNumCores.set(FapId(core.fap), static_cast<U16>(core.core + 1));
     status->fapRevision.set(FapId(core.fap), {core.fap == queueModeFap ? 2U : 1U});
   }
   U64 n = 0;
@@ -66,8 +64,9 @@ BusySwitch::BusySwitch(std::size_t interfaces) : intfs(intfListFactory()) {
     const Nexo::IntfId intf(nameOf(i % ports));
     intfs->intfEnq(intf);
     if (i >= ports) continue;
+    state.interfaces.push_back(intf);
     const auto port = portOf(i);
-    const Core& core = coreOf(i);
+    const Core& core = cores[i % ports % coreCount];
     status->sppidToIntfId.set(port, intf);
     status->intfIdToSppid.set(intf, port);
     status->portMaps.set(port, {Hardware::Loam::FapPortId(1), FapId(core.fap), LocalCoreId(core.core)});
@@ -93,36 +92,17 @@ BusySwitch::BusySwitch(std::size_t interfaces) : intfs(intfListFactory()) {
     status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(port), intf);
     ingress(intf);
   }
+  state.counters = tables;
   const auto entityManager = Mote::make<Cortex::EntityManager>();
   entityManager->mountIs(CounterTables::path, tables);
   printer = countersPrinterFactory(status, tmMapping, nullptr, nullptr, nullptr, entityManager, false);
 }
 
-std::string busyStateFile(std::size_t interfaces) {
-  using Json = nlohmann::json;
-  Json state{{"status", {{"fapIdToName", {{"0", "Fap0"}}}, {"fapNumCores", {{"0", 2}}}}}};
-  Json& status = state["status"];
-  U64 n = 0;
-  const auto quad = [&] {
-    const CounterQuad q = busyQuad(n++);
-    return Json{q.enqueuedPackets, q.enqueuedBytes, q.droppedPackets, q.droppedBytes};
-  };
-  for (std::size_t i = 0; i < interfaces; ++i) {
-    const std::string name = nameOf(i);
-    const std::string port = std::to_string(portOf(i).value());
-    state["interfaces"].push_back(name);
-    status["sppidToIntfId"][port] = name;
-    status["intfIdToSppid"][name] = portOf(i).value();
-    status["portMap"][port] = {{"fapPortId", 1}, {"fapId", 0}, {"coreId", i % 2}};
-    state["tmMapping"]["portTmMap"].push_back(portOf(i).value());
-    for (int core = 0; core < 2; ++core) {
-      Json entry{{"fapId", 0}, {"coreId", core}, {"intfId", name}};
-      for (int t = 0; t < 8; ++t) entry["queues"].push_back(quad());
-      state["counters"]["ingress"].push_back(std::move(entry));
-    }
-    for (int t = 0; t < 8; ++t) state["counters"]["egress"][name]["queues"].push_back(quad());
-  }
-  return state.dump();
+std::string busyStateFile(std::size_t interfaces, loamshow::JsonWriter::Layout layout) {
+  std::string text;
+  loamshow::JsonWriter out(text, layout);
+  loamshow::capture(BusySwitch(interfaces, std::size(allCores)).state, out);
+  return text;
 }
 
 Answer command(const BusySwitch& on, const std::string& name, U32 format) {

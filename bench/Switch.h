@@ -5,21 +5,24 @@
 #include <vector>
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
+#include "loamshow/json/JsonWriter.h"
+#include "loamshow/state/Switch.h"
 #include "platform/Mote.h"
 
 namespace loambench {
 
 /// A busy switch: four FAP cores on three FAPs, one of them in EGQ queue mode, and that many Ethernet
-/// interfaces.
+/// interfaces. Up to eight cores on five FAPs.
 struct BusySwitch {
-  explicit BusySwitch(std::size_t interfaces);
+  explicit BusySwitch(std::size_t interfaces, std::size_t coreCount = 4);
 
+  loamshow::SwitchState state;
   LoamCounters::CountersPrinter::Ptr printer;
   LoamCounters::IntfList::Ptr intfs;
 };
 
-/// The same as a state file's text.
-std::string busyStateFile(std::size_t interfaces);
+/// The same, with eight cores, as a state file.
+std::string busyStateFile(std::size_t interfaces, loamshow::JsonWriter::Layout layout);
 
 /// A call that writes its whole answer to a descriptor.
 using Answer = std::function<void(int fd)>;

@@ -4,5 +4,6 @@
 int main(int argc, char** argv) {
   loambench::addRows();
   loambench::addCommands();
+  loambench::addLoading();
   return loambench::runAll(argc, argv);
 }

@@ -17,6 +17,7 @@ class Program {
  public:
   Program(const std::vector<std::string>& arguments, int out, int err);
 
+  int pid() const { return pid_; }
   void signal(int number) const;
   bool ends(std::chrono::milliseconds within) const;
   /// The exit status, or 1000 + the signal that killed it: one that does not end is killed.

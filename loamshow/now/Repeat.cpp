@@ -100,11 +100,16 @@ void repeat(const CommandLine& line, const Source& source, History history, U32 
         pause.emplace();
         if (tabula::operationInterrupted()) return;
       }
-      if (++answers == line.count) return;
+      if (++answers == line.count) break;
     }
     turns.await(screen ? &*screen : nullptr);
     state = readIfPossible(source);
   }
+  if (!screen) return;
+  // The last answer stays.
+  const std::string last = screen->text();
+  screen.reset();
+  print(last, fd);
 }
 
 }  // namespace loamshow

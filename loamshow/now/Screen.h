@@ -21,6 +21,7 @@ class Screen {
 
   /// Shows the top of a text, as much of it as fits.
   void show(std::string text);
+  const std::string& text() const { return text_; }
   /// Shows the text again if the window's size has changed. SIGWINCH is blocked but in system calls that
   /// unblock it.
   void follow() const;

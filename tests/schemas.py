@@ -12,7 +12,7 @@ import jsonschema
 COMMANDS = ["queues", "queues --internal", "ingress", "ingress --internal", "cpu", "cpu --summary",
             "cpu --per-port", "cpu --summary --per-port", "drops", "acl", "mtu", "top", "registry"]
 MEMBER = re.compile("(?!all$)[a-z]|TC|DP|[0-9]+$")  # or a place in a list; other keys are names of the switch
-OPTIONAL = {"cpu": "TC.", "drops": "TC6-7|TC.,.", "acl": "mlag.*", "mtu": ".*Pack.*", "top": "source", "registry": "const.*"}
+OPTIONAL = {"cpu": "TC.", "drops": "TC6-7|TC.,.", "acl": "mlag.*", "mtu": ".*Pack.*", "top": "source|switch|takenAt|seconds", "registry": "const.*"}
 WRONG = {int: ["1", -1, 1.5, 2**64, None], str: [1], dict: ["text"], list: ["text"]}
 
 

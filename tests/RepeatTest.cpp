@@ -221,14 +221,6 @@ struct Terminal {
     const winsize size{rows, columns, 0, 0};
     ::ioctl(controller, TIOCSWINSZ, &size);
   }
-  /// What is there to read.
-  std::string content() const {
-    std::string text(65536, '\0');
-    pollfd readable{controller, POLLIN, 0};
-    const ssize_t size = ::poll(&readable, 1, 0) > 0 ? ::read(controller, text.data(), text.size()) : 0;
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    return text;
-  }
   int controller = -1;
   int terminal = -1;
 };
@@ -255,7 +247,7 @@ TEST(Repeat, RedrawsATerminalAndRestoresIt) {
               "\x1b[H--- 2026-11-\r\nDropped pack\r\n... 3 more l");
     program.signal(signal);
     EXPECT_EQ(program.status(), status);
-    EXPECT_EQ(terminal.content(), leaveScreen);
+    EXPECT_EQ(readTo(terminal.controller, leaveScreen), leaveScreen);
     terminal.resize(24, 80);
   }
   const std::vector<std::string> twice = {"-s", state.path(), "top", "--every", "0.1", "--count", "2"};
@@ -263,7 +255,8 @@ TEST(Repeat, RedrawsATerminalAndRestoresIt) {
   EXPECT_EQ(program.status(), 0);
   const std::string last =
       "--- 2026-11-23T10:53:31Z, 0.0 s\nNo dropped packets: leaf7, 2026-11-23T10:53:31Z\n";
-  EXPECT_THAT(terminal.content(), EndsWith(end + leaveScreen + last)) << "the last answer stays";
+  EXPECT_THAT(readTo(terminal.controller, last), EndsWith(end + leaveScreen + last))
+      << "the last answer stays";
   EXPECT_EQ(err.content(), "");
 }
 

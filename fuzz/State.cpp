@@ -1,5 +1,5 @@
 // A state file: refused with a message that names it, or a switch that can be checked, and of which every
-// command can be asked.
+// command can be asked. After a zero byte there may be an earlier state, from which the counts then count.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -9,7 +9,7 @@
 
 #include "fuzz/Fuzz.h"
 #include "loamshow/cli/CommandLine.h"
-#include "loamshow/commands/ShowCommands.h"
+#include "loamshow/now/Answer.h"
 #include "loamshow/state/Capture.h"
 #include "loamshow/state/Check.h"
 #include "loamshow/state/StateFile.h"
@@ -26,7 +26,7 @@ int limitedFile() {
   return fd;
 }
 
-void ask(const loamshow::SwitchState& state, const std::string& name, U32 format, int fd) {
+void ask(const loamshow::Shown& shown, const std::string& name, U32 format, int fd) {
   loamshow::CommandLine line;
   line.command = name;
   line.format = format;
@@ -34,7 +34,7 @@ void ask(const loamshow::SwitchState& state, const std::string& name, U32 format
   line.perPort = true;
   ::lseek(fd, 0, SEEK_SET);
   try {
-    loamshow::runShowCommand(line, state, static_cast<U32>(fd));
+    loamshow::answer(line, shown, "", static_cast<U32>(fd));
   } catch (const std::exception& error) {
     loamfuzz::require(*error.what() != '\0');
     return;
@@ -57,16 +57,21 @@ std::string captured(const loamshow::SwitchState& state) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const int fd = limitedFile();
   try {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = input.substr(0, input.find('\0'));
     const loamshow::SwitchState state = loamshow::parseState("state", text);
     for (const loamshow::Finding& finding : loamshow::check(state)) {
       loamfuzz::require(finding.member.starts_with('/') && !finding.problem.empty());
     }
-    loamshow::mountProcessWide(state);
-    for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu"}) {
-      for (const U32 format : {1U, 2U}) ask(state, name, format, fd);
+    loamshow::History history("state");
+    if (text.size() < input.size()) {
+      history.beginAt("state", loamshow::parseState("state", input.substr(text.size() + 1)));
     }
-    ask(state, "debug", 1, fd);
+    const loamshow::Shown shown = history.advance(state);
+    for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu", "top"}) {
+      for (const U32 format : {1U, 2U}) ask(shown, name, format, fd);
+    }
+    ask(shown, "debug", 1, fd);
     const std::string copy = captured(state);
     loamfuzz::require(captured(loamshow::parseState("copy", copy)) == copy);
   } catch (const loamshow::InputError& error) {

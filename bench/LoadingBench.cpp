@@ -19,6 +19,7 @@
 #include "bench/Benches.h"
 #include "bench/Rounds.h"
 #include "bench/Switch.h"
+#include "loamshow/now/Answer.h"
 #include "loamshow/state/StateFile.h"
 
 namespace loambench {
@@ -56,15 +57,19 @@ class StateFile {
   int fd_ = ::memfd_create("state", MFD_CLOEXEC);
 };
 
-/// A call of `loamshow queues` on a state file, its answer into a pipe or to /dev/null.
+/// A call of loamshow on a state file, its answer into a pipe or to /dev/null.
 class Call {
  public:
   enum class Output { pipe, null };
 
-  Call(const StateFile& file, Output output) {
+  Call(const StateFile& file, Output output, const std::vector<std::string>& command = {"queues"}) {
     if (::pipe2(pipe_, O_CLOEXEC) != 0) std::abort();
-    std::string words[] = {LOAMSHOW, "-s", file.path(), "queues"};
-    char* const arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), nullptr};
+    std::vector<std::string> words = {LOAMSHOW, "-s", file.path()};
+    words.insert(words.end(), command.begin(), command.end());
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     if (output == Output::pipe) {
@@ -72,7 +77,7 @@ class Call {
     } else {
       ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     }
-    if (::posix_spawn(&child_, LOAMSHOW, &actions, nullptr, arguments, environ) != 0) std::abort();
+    if (::posix_spawn(&child_, LOAMSHOW, &actions, nullptr, arguments.data(), environ) != 0) std::abort();
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(pipe_[1]);
   }
@@ -131,6 +136,35 @@ double callOverParse(const std::string& text) {
   return ratios[5];
 }
 
+double cpuTimeOf(const Call& call) {
+  const rusage usage = call.end();
+  return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
+}
+
+/// The CPU time of `top` over that of `ingress --json`, loading included in both: the median of several
+/// pairs.
+double topOverIngress() {
+  const StateFile file(busyStateFile(interfaces, Layout::oneLine));
+  std::vector<double> ratios(11);
+  for (double& ratio : ratios) {
+    const double ingress = cpuTimeOf(Call(file, Call::Output::null, {"ingress", "--json"}));
+    ratio = cpuTimeOf(Call(file, Call::Output::null, {"top"})) / ingress;
+  }
+  std::nth_element(ratios.begin(), ratios.begin() + 5, ratios.end());
+  return ratios[5];
+}
+
+/// Loads two states and shows the queues of the second one, or what they counted since the first.
+void showAfterTwoLoads(const std::string& text, bool isSince) {
+  static const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  loamshow::CommandLine line;
+  line.command = "queues";
+  loamshow::SwitchState then = loamshow::parseState("then", text);
+  loamshow::History history("now");
+  if (isSince) history.beginAt("then", then);
+  loamshow::answer(line, history.advance(loamshow::parseState("now", text)), "", static_cast<U32>(null));
+}
+
 double memoryOfCall(const std::string& text) {
   const StateFile file(text);
   const Call call(file, Call::Output::pipe);
@@ -160,6 +194,12 @@ void addLoading() {
     addFigure(of + "peak memory of loamshow queues by the file's size", "", "<= 4",
               [layout = layout] { return memoryOfCall(busyStateFile(interfaces, layout)); });
   }
+  addComparison("5,000 interfaces on 8 cores, two loads and queues", 15, [] {
+    const auto text = std::make_shared<std::string>(busyStateFile(interfaces, Layout::oneLine));
+    return std::vector<Competitor>{{"of the second", [=] { showAfterTwoLoads(*text, false); }, ""},
+                                   {"since the first", [=] { showAfterTwoLoads(*text, true); }, "<= 1.1"}};
+  });
+  addFigure("5,000 interfaces on 8 cores, CPU time of top over ingress --json", "", "<= 2", topOverIngress);
 }
 
 }  // namespace loambench

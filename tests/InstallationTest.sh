@@ -30,6 +30,22 @@ rows=$(for i in {0..7}; do
 done)
 [ "$(host/loamhost | sed -n 5,12p)" = "$rows" ] || fail "the example host: $(host/loamhost)"
 
+# The feeder's counts agree in every command: octets are 64 times packets, and totals their queues' sums.
+host/loamfeeder "$root/region" &
+feeder=$!
+trap 'kill "$feeder"; rm -rf "$root"' EXIT
+until moved/bin/loamshow -s region acl >log 2>&1; do sleep 0.1; done
+sleep 0.5
+moved/bin/loamshow -s region check || fail "findings in the feeder's region"
+for command in queues ingress cpu drops mtu capture; do
+  moved/bin/loamshow -s region "$command" >log 2>errors || fail "$(cat errors)"
+  ! grep -q '"total"' log || fail "the feeder's totals: $(cat log)"
+  awk -v want="$command" '
+    $NF ~ /^[0-9]+$/ && NF >= 5 { rows++; if ($(NF-2) != 64 * $(NF-3) || $NF != 64 * $(NF-1)) exit 1 }
+    END { if (want ~ /queues|ingress|drops/ && !rows) exit 1 }' log || fail "the feeder, $command: $(cat log)"
+done
+[ "$(grep -c ' 0 *0 *0 *0$' <(moved/bin/loamshow -s region drops))" -gt 0 ] || fail 'nothing dropped'
+
 man=moved/share/man/man1/loamshow.1
 for command in $(moved/bin/loamshow complete '' | cut -f1); do
   grep -q "It Cm $command" $man || fail "no $command in $man"

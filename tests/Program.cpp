@@ -17,8 +17,8 @@
 
 namespace loamtest {
 
-Program::Program(const std::vector<std::string>& arguments, int out, int err) {
-  std::vector<std::string> words = {LOAMSHOW};
+Program::Program(const std::vector<std::string>& arguments, int out, int err, const char* executable) {
+  std::vector<std::string> words = {executable};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
@@ -35,7 +35,7 @@ Program::Program(const std::vector<std::string>& arguments, int out, int err) {
   } else {
     ::setenv("LOAM_STATE", state, 1);
   }
-  ::execv(LOAMSHOW, argv.data());
+  ::execv(executable, argv.data());
   ::_exit(127);
 }
 

@@ -15,7 +15,7 @@ constexpr std::chrono::seconds patience(20);
 /// this process's LOAM_TEST_STATE, and its standard input is empty.
 class Program {
  public:
-  Program(const std::vector<std::string>& arguments, int out, int err);
+  Program(const std::vector<std::string>& arguments, int out, int err, const char* executable = LOAMSHOW);
 
   int pid() const { return pid_; }
   void signal(int number) const;

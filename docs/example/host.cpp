@@ -24,19 +24,24 @@ using Object = Mote::Ptr<Mote::Node>;
 
 const Nexo::IntfId ethernet1("Ethernet1");
 
-/// The counters of the switch. A real one asks its chips here; what is not overridden reads as zeros.
-class ChipCounters : public LoamCounters::MemoryCounterTables {
- public:
-  LoamCounters::IngressTcCounter ingressTcCounter(Hardware::Loam::FapId /*fap*/,
-                                                  Hardware::Loam::LocalCoreId /*core*/,
-                                                  Nexo::IntfId intf) const override {
-    LoamCounters::IngressTcCounter counter;
-    for (U64 queue = 0; intf == ethernet1 && queue < 8; ++queue) {
-      counter.queueIs(LoamCounters::IngressCounterIndex(queue), {{100 + queue, 6400, queue, 64 * queue}});
-    }
-    return counter;
+/// The counters of the switch: each record's total is the sum of its queues. A real host derives its own
+/// LoamCounters::CounterTables and asks its chips.
+Mote::Ptr<LoamCounters::CounterTables> chipCounters() {
+  const auto tables = Mote::make<LoamCounters::MemoryCounterTables>();
+  LoamCounters::IngressTcCounter ingress;
+  LoamCounters::EgressTmCounter egress;
+  for (U64 queue = 0; queue < 8; ++queue) {
+    const LoamCounters::IngressCounter received{{100 + queue, 6400, queue, 64 * queue}};
+    const LoamCounters::CounterQuad sent{100 + queue, 6400, 0, 0};
+    ingress.queueIs(LoamCounters::IngressCounterIndex(queue), received);
+    ingress.total += received;
+    egress.quadIs(LoamCounters::EgressTmCounterIndex(8 * queue), sent);
+    egress.total += sent;
   }
-};
+  tables->ingressIs(Hardware::Loam::FapId(0), Hardware::Loam::LocalCoreId(0), ethernet1, ingress);
+  tables->egressTm.set(ethernet1, egress);
+  return tables;
+}
 
 Object make(std::string_view typeName, const Arguments& arguments) {
   const Vane::TypeDescriptor* type = Vane::findType(typeName);
@@ -68,7 +73,7 @@ Object countersPrinter() {
   const auto tmMapping = Mote::make<LoamTm::TmMapping>();
   tmMapping->portTmMap.set(port, true);
   const auto entityManager = Mote::make<Cortex::EntityManager>();
-  entityManager->mountIs(LoamCounters::CounterTables::path, Mote::make<ChipCounters>());
+  entityManager->mountIs(LoamCounters::CounterTables::path, chipCounters());
   return make(
       "LoamCounters::CountersPrinter",
       {Hardware::Loam::Status::PtrConst(status), LoamTm::TmMapping::PtrConst(tmMapping),

@@ -151,6 +151,20 @@ void JsonValue::integers(std::span<U64> numbers, std::string_view otherwise) con
   if (size != numbers.size()) fail(otherwise);
 }
 
+void JsonValue::members(std::span<const std::string_view> names, std::span<U64> numbers) const {
+  ondemand::object object;
+  if (at<ondemand::value>(place_).get_object().get(object) != simdjson::SUCCESS) fail("expected an object");
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    ondemand::value value;
+    const simdjson::error_code failed = object.find_field(names[i]).get(value);
+    if (failed == simdjson::NO_SUCH_FIELD) return;
+    if (failed != simdjson::SUCCESS) reader_->failSyntax();
+    if (value.get_uint64().get(numbers[i]) != simdjson::SUCCESS) {
+      numbers[i] = JsonValue(*reader_, placeOf(value)).integer(0, std::numeric_limits<U64>::max());
+    }
+  }
+}
+
 void JsonValue::fail(std::string_view problem) const {
   reader_->fail(tokenOf(place_), problem);
 }

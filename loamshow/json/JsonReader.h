@@ -64,6 +64,9 @@ class JsonValue {
   std::string_view text() const;
   /// Reads an array of exactly as many integers of 64 bits; raises `otherwise` for one of another size.
   void integers(std::span<U64> numbers, std::string_view otherwise) const;
+  /// Reads those of an object's members that are named, integers of 64 bits, into numbers of the same places.
+  /// The names are in the order of the text; a number whose member is absent keeps its value.
+  void members(std::span<const std::string_view> names, std::span<U64> numbers) const;
 
   /// Raises InputError: the document's name, this value's path, and `problem`. Also for a value already read.
   [[noreturn]] void fail(std::string_view problem) const;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <limits>
+#include <span>
 
 namespace loamshow {
 
@@ -108,18 +108,15 @@ bool LossReader::capture(std::string_view step, std::size_t rule, std::string_vi
 }
 
 void LossReader::addRow(JsonValue counts, std::size_t rule) {
-  constexpr U64 most = std::numeric_limits<U64>::max();
   const auto has = [&](std::string_view name) {
     return rules[rule].path.find(name) != std::string_view::npos;
   };
   Loss loss{.kind = rules[rule].kind};
-  for (JsonMembers in(counts); in.next();) {
-    if (in.key() == rules[rule].packets) {
-      loss.packets = in.value().integer(0, most);
-    } else if (in.key() == "droppedBytes") {
-      loss.octets = in.value().integer(0, most);
-    }
-  }
+  const std::string_view names[] = {rules[rule].packets, "droppedBytes"};
+  U64 numbers[] = {0, 0};
+  counts.members(std::span(names, countsOctets(loss.kind) ? 2 : 1), numbers);
+  loss.packets = numbers[0];
+  loss.octets = numbers[1];
   if (loss.packets == 0 && loss.octets == 0) return;
   if (has("{interface}")) loss.interface = interface_;
   if (has("{source}")) loss.source = source_;

@@ -27,6 +27,27 @@ bool isLimited() {
 }  // namespace
 
 MemoryFile::MemoryFile() {
+  clear();
+}
+
+MemoryFile::~MemoryFile() {
+  release();
+}
+
+void MemoryFile::release() {
+  if (mapped_ != nullptr) ::munmap(std::exchange(mapped_, nullptr), size_);
+  if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+  if (collector_.joinable()) collector_.join();
+  collected_.clear();
+}
+
+void MemoryFile::clear() {
+  if (fd_ >= 0 && !collector_.joinable()) {
+    if (mapped_ != nullptr) ::munmap(std::exchange(mapped_, nullptr), size_);
+    if (::lseek(fd_, 0, SEEK_SET) != 0) fail();
+    return;
+  }
+  release();
   if (!isLimited()) {
     fd_ = ::memfd_create("answer", MFD_CLOEXEC);
     if (fd_ < 0) fail();
@@ -36,12 +57,6 @@ MemoryFile::MemoryFile() {
   if (::pipe2(ends, O_CLOEXEC) != 0) fail();
   fd_ = ends[1];
   collector_ = std::thread(&MemoryFile::collect, this, ends[0]);
-}
-
-MemoryFile::~MemoryFile() {
-  if (mapped_ != nullptr) ::munmap(mapped_, size_);
-  if (fd_ >= 0) ::close(fd_);
-  if (collector_.joinable()) collector_.join();
 }
 
 void MemoryFile::collect(int from) {
@@ -62,12 +77,13 @@ std::string_view MemoryFile::content(std::size_t padding) {
     collected_.append(padding, '\0');
     return std::string_view(collected_).substr(0, written);
   }
-  const off_t end = ::lseek(fd_, 0, SEEK_END);
+  const off_t end = ::lseek(fd_, 0, SEEK_CUR);
   if (end < 0) fail();
   const auto written = static_cast<std::size_t>(end);
   size_ = written + padding;
   if (size_ == 0) return {};
-  if (::ftruncate(fd_, static_cast<off_t>(size_)) != 0) fail();
+  const std::string zeros(padding, '\0');
+  if (::write(fd_, zeros.data(), padding) != static_cast<ssize_t>(padding)) fail();
   void* mapped = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd_, 0);
   if (mapped == MAP_FAILED) fail();
   mapped_ = mapped;

@@ -18,11 +18,14 @@ class MemoryFile {
   ~MemoryFile();
 
   U32 fd() const { return static_cast<U32>(fd_); }
-  /// What has been written, with `padding` zero bytes after it. Valid as long as this object. Call it once,
-  /// after the last write.
+  /// Forgets what has been written, and keeps its memory for what will be.
+  void clear();
+  /// What has been written since, with `padding` zero bytes after it. Valid until the next clear(). Call it
+  /// once, after the last write.
   std::string_view content(std::size_t padding = 0);
 
  private:
+  void release();
   void collect(int from);
 
   int fd_ = -1;

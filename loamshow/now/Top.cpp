@@ -32,9 +32,10 @@ void showTop(const CommandLine& line, const Shown& shown, std::string_view headi
   LossReader reader(losses);
   CommandLine question = line;
   question.format = tabula::formatJson;
+  MemoryFile file;
   for (const char* const command : commandsFor(line)) {
     question.command = command;
-    MemoryFile file;
+    file.clear();
     runShowCommand(question, shown.state, file.fd());
     if (tabula::operationInterrupted()) return;
     JsonReader answer("the answer of " + question.command,

@@ -51,11 +51,9 @@ struct Live {
   std::optional<Program> sim;
 };
 
-/// An answer without what says when its counters were read.
+/// An answer without the times at which counters were read.
 std::string withoutTime(const std::string& out) {
-  static const std::regex time(
-      R"(: [0-9-]+T[0-9:.]+Z|"takenAt":"[^"]*",|  "switch": \{\s*("name": "[^"]*",?)?\s*("takenAt": "[^"]*")?\s*\},\n)");
-  return std::regex_replace(out, time, "");
+  return std::regex_replace(out, std::regex("20[0-9-]+T[0-9:.]+Z"), "TIME");
 }
 
 TEST(Live, EveryAnswerOfASwitchThatStandsStillIsThatOfItsState) {

@@ -8,5 +8,7 @@ void addRows();
 void addCommands();
 /// Loading a state file, and a call that loads one, against a fast parser on the same text.
 void addLoading();
+/// A counter region against a state file and against memory.
+void addRegions();
 
 }  // namespace loambench

@@ -5,5 +5,6 @@ int main(int argc, char** argv) {
   loambench::addRows();
   loambench::addCommands();
   loambench::addLoading();
+  loambench::addRegions();
   return loambench::runAll(argc, argv);
 }

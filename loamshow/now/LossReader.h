@@ -21,7 +21,7 @@ class LossReader {
  private:
   using Rules = U32;  // a bit for each of them
 
-  void walk(JsonValue object, Rules rules, std::size_t depth);
+  void walk(JsonValue object, Rules active, std::size_t depth);
   bool capture(std::string_view step, std::size_t rule, std::string_view key);
   void addRow(JsonValue counts, std::size_t rule);
 

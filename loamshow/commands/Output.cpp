@@ -12,7 +12,7 @@ void print(std::string_view text, U32 fd) {
 
 void print(const std::function<void(const Sink&)>& write, U32 fd) {
   tabula::endingOnInterrupt([&] {
-    tabula::Printer printer(fd, tabula::formatText, true, false, true, 0);
+    tabula::Printer printer(static_cast<int>(fd), tabula::formatText, true, false, true, 0);
     write([&](std::string_view piece) { printer.addFrills<"%s">(piece); });
     printer.close();
   });

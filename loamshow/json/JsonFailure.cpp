@@ -106,8 +106,8 @@ std::string syntaxProblem(std::string_view text, std::size_t size) {
   const bool isWrong = !follower.problem().empty();
   // The parser takes a NUL for the end of the text.
   const std::size_t nul = text.find('\0');
-  if (nul <= size && (!isWrong || follower.problemPosition() > nul))
-    return "a NUL byte where JSON was expected";
+  const bool isNulFirst = nul <= size && (!isWrong || follower.problemPosition() > nul);
+  if (isNulFirst) return "a NUL byte where JSON was expected";
   // The position is that of the last character read, which may be the one after the wrong token.
   return isWrong && follower.problemPosition() <= size + 1 ? follower.problem() : "";
 }

@@ -15,7 +15,7 @@ class JsonText {
 
   /// Memory of std::malloc.
   struct Free {
-    void operator()(char* bytes) const { std::free(bytes); }
+    void operator()(char* bytes) const { std::free(bytes); }  // NOLINT(cppcoreguidelines-no-malloc)
   };
   using Bytes = std::unique_ptr<char[], Free>;
 

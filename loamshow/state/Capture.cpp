@@ -263,8 +263,7 @@ class Capturer {
   }
   void write(const ShmemManager::PtrConst& manager) {
     Vane::HashMap<Mote::String, U32> sizes;
-    for (const ShmemManager::Snapshot& snapshot : manager->snapshots())
-      sizes.set(snapshot.name, snapshot.counters);
+    for (const auto& [name, counters] : manager->snapshots()) sizes.set(name, counters);
     out_.beginObject();
     for (const Mote::String& name : sorted(sizes.keys())) {
       out_.key(name.view());

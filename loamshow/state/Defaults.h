@@ -46,7 +46,7 @@ inline bool isDefault(Vane::Seconds time) {
   return time.value() == 0;
 }
 inline bool isDefault(Nexo::IntfId intf) {
-  return intf == Nexo::IntfId();
+  return intf.stringValue().empty();
 }
 inline bool isDefault(Keel::MaybeU63 count) {
   return count.null();

@@ -146,6 +146,12 @@ TEST(EgressRows, AreTheirArgumentsWhateverTheirPlace) {
   for (const U32 tc : {8U, 0x20000000U}) {
     EXPECT_THROW(LoamCounters::printIntfTcEgrCounters(printer, 1, tc, record, attrs), Vane::RangeException);
   }
+  const auto accessor =
+      Mote::make<LoamCounters::CounterEngineAccessor>(nullptr, nullptr, nullptr, nullptr, nullptr, false);
+  constexpr U32 far = 0x40000000;  // its counts would be the first in 32 bits
+  EXPECT_THROW(LoamCounters::printEgressCountersPerIntfHelper(Nexo::IntfId("Port-Channel1"), printer, 1,
+                                                              accessor, attrs, far, far, true, false),
+               Vane::RangeException);
   printer.close();
   EXPECT_EQ(file.content(), line("%-20s %-7s %-10s %-10s ", "Et1", "TC3", "DP", "MC") + columns(17, shown) +
                                 "Ethernet1\n" + row(" Egress queue", shown) +

@@ -31,7 +31,7 @@ TEST(NaturalOrder, ComparesAsPeopleRead) {
       {"1.05", "1.5", before},   {"1.10", "1.9", before},  // a fraction: 0.10 < 0.9
       {"1.1", "1.1001", before}, {".10", ".5", before},
       {"v1.2", "v1.", behind},   {"18446744073709551616", "18446744073709551617", before},
-      {"a-1", "a1", before},
+      {"a-1", "a1", before},     {"x1bb", "x10", before},
   };
   for (const auto& [a, b, order] : cases) {
     EXPECT_EQ(naturalCompare(a, b), order == before) << '"' << a << "\" before \"" << b << '"';

@@ -43,6 +43,35 @@ TEST(Printer, CarriesTextLargerThanItsBuffer) {
   EXPECT_EQ(got, expected + "[" + wide + "]" + line("%100000u|%-70000u.", 7, 8));
 }
 
+TEST(Printer, KeysEntriesByNumbers) {
+  std::string expected;
+  const std::string got = printed(json, [&](auto& printer) {
+    tabula::Attr32Info row("row", printer);
+    tabula::Attr64Info count("count", printer);
+    tabula::StringAttrInfo name("name", printer);
+    printer.start();
+    printer.startDict("rows");
+    for (U32 i = 0; i < 5000; ++i) {  // more than the buffer holds
+      row.setValue(i);
+      count.setValue(7ULL * i);
+      name.setValue("n");
+      printer.startDictEntry(row);
+      printer.template addArgs<"%llu">(count.getArg());
+      printer.template addArgs<"%s %u">(name.getArg(), row.getArg());
+      printer.endDictEntry();
+      expected += line(R"(%s"%u":{"count":%u,"name":"n","row":%u})", i == 0 ? "" : ",", i, 7 * i, i);
+    }
+    printer.endDict();
+    for (U32 i = 0; i < 20'000; ++i) {  // nothing but numbers
+      printer.template addArgs<"%llu">(count.getArg());
+    }
+    printer.end();
+  });
+  std::string numbers;
+  for (U32 i = 0; i < 20'000; ++i) numbers += R"(,"count":34993)";
+  EXPECT_EQ(got, R"({"rows":{)" + expected + "}" + numbers + "}\n");
+}
+
 // Cut into digits by the processor's wide registers where it has some, and by those that all have.
 TEST(Digits, AreThoseOfTheNumber) {
   std::mt19937_64 random(1);
@@ -71,8 +100,8 @@ TEST(Digits, AreThoseOfTheNumber) {
 }
 
 TEST(Printer, EscapesNamesAndValuesInJson) {
-  const std::pair<std::string_view, std::string> cases[] = {
-      {{"q\"\\/\b\f\n\r\t\x01\x7f\0", 12}, "q\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\x7f\\u0000"},
+  std::vector<std::pair<std::string, std::string>> cases = {
+      {{"q\"\\/\b\f\n\r\t\x10\x1f\x7f\0", 13}, "q\\\"\\\\/\\b\\f\\n\\r\\t\\u0010\\u001f\x7f\\u0000"},
       {"\xc3\xa4\xf0\x9f\x98\x80", "ä😀"},
       {"\"2345678 and more, \"8", "\\\"2345678 and more, \\\"8"},
       // The first and the last characters of two, three and four bytes.
@@ -80,6 +109,13 @@ TEST(Printer, EscapesNamesAndValuesInJson) {
        "\u0080\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff"},
       // Broken: alone, overlong, surrogate, above the last, cut off.
       {"\x80|\xc0\xaf|\xed\xa0\x80|\xf4\x90\x80\x80|\xe2\x82", "�|��|���|����|�"}};
+  for (std::size_t size = 1; size <= 17; ++size) {
+    for (std::size_t at = 0; at < size; ++at) {
+      const std::string before(at, 'x');
+      const std::string after(size - at - 1, 'y');
+      cases.emplace_back(before + '"' + after, before + "\\\"" + after);
+    }
+  }
   for (const auto& [given, escaped] : cases) {
     const std::string got = printed(json, [&raw = given](auto& printer) {
       tabula::StringAttrInfo info(raw, printer);
@@ -139,6 +175,11 @@ TEST(Printer, RefusesBrokenNesting) {
   const auto startDict = [](Printer& printer) { printer.startDict("d"); };
   const auto startSubmodel = [](Printer& printer) { printer.startSubmodel("s"); };
   const auto end = [](Printer& printer) { printer.end(); };
+  const auto textMember = [](Printer& printer) {
+    tabula::StringAttrInfo info("a", printer);
+    info.setValue("text");
+    printer.addArgs<"%s">(info.getArg());
+  };
   const auto noDescriptor = [](Printer& printer) { printer.addArgs<"%s">("n/a"); };
   const auto noValue = [](Printer& printer) { tabula::Attr64Info("a", printer).getArg(); };
   const auto textAsNumber = [](Printer& printer) {
@@ -149,9 +190,11 @@ TEST(Printer, RefusesBrokenNesting) {
   const std::pair<const char*, std::vector<std::function<void(Printer&)>>> cases[] = {
       {"insideObject", {start, startDict, startSubmodel}},
       {"insideObject", {startSubmodel}},
+      {"insideObject", {start, startDict, textMember}},
       {"closesInnermost", {start, startDict, end}},
       {"everyScopeClosed", {start}},
       {"startedOnce", {start, end, start}},
+      {"startedOnce", {start, start}},
       {"isDescriptor", {start, noDescriptor}},
       {"hasValue", {noValue}},
       {"isOfItsKind", {textAsNumber}}};

@@ -161,9 +161,27 @@ TEST(Vane, AWalkGoesOnAboveItsEntryWhateverChanges) {
   const U32 version = all.version();
   all = ports({1, 2, 3});
   EXPECT_NE(all.version(), version);
+  const U32 assigned = all.version();
+  all.set(3, Port(103));
+  EXPECT_NE(all.version(), assigned);
   EXPECT_EQ(all.get(3), Port(103));
   EXPECT_EQ(all.get(4), Hardware::Loam::nullPort);
   EXPECT_EQ(all.remove(4), Hardware::Loam::nullPort);
+}
+
+TEST(Records, AreTheirCountsUpToTheLastSetAndAreAssignedWhole) {
+  using LoamCounters::IngressCounter;
+  const std::array<IngressCounter, 3> queues = {{{1, 2, 3, 4}, {}, {5, 6, 7, 8}}};
+  const LoamCounters::IngressTcCounter given({{9, 9, 9, 9}}, queues);
+  LoamCounters::IngressTcCounter longer;
+  longer.queueIs(LoamCounters::IngressCounterIndex(6), queues[0]);
+  LoamCounters::IngressTcCounter none;
+  for (LoamCounters::IngressTcCounter* record : {&longer, &none}) {
+    *record = given;
+    EXPECT_EQ(record->total, given.total);
+    EXPECT_TRUE(std::ranges::equal(record->queues(), queues));
+    EXPECT_EQ((*record)[LoamCounters::IngressCounterIndex(6)], IngressCounter());
+  }
 }
 
 TEST(Wisp, TakesNoStandardStreamsPlace) {
@@ -184,6 +202,9 @@ TEST(Nexo, NamesAndKinds) {
       {"Ethernet1/2", "Et1/2", Kind::ethernet},
       {"Ethernet1/2.100", "Et1/2.100", Kind::subInterface},
       {"Ethernet1.", "Et1.", Kind::ethernet},
+      {"Ethernet1.Q0", "Et1.Q0", Kind::ethernet},
+      {"Ethernet0", "Et0", Kind::ethernet},
+      {"Ethernet9", "Et9", Kind::ethernet},
       {"Ethernet", "Et", Kind::other},
       {"EthernetA", "EtA", Kind::other},
       {"Ethernet-1", "Et-1", Kind::other},

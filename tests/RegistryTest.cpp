@@ -130,6 +130,7 @@ TEST(Registry, AccessorsAreTheSameForTheSameArguments) {
     EXPECT_EQ(answered(OpCode::read), last);
     EXPECT_EQ(answered(OpCode::del), last);
     EXPECT_EQ(answered(OpCode::read), nullptr);
+    EXPECT_NE(answered(OpCode::write, sources), nullptr) << "made anew from the same arguments";
   };
   expectIdentity("fapCounterAccessor", {0, 1, 2, 3, 5, 6});
   expectIdentity("egressAclCountersAccessor", {0, 4, 5, 6});
@@ -267,6 +268,13 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   counters->tcDelAll();
   EXPECT_EQ(reader->tc(3), IngressCounter());
   EXPECT_EQ(intfListFactory()->intfDeq(), Nexo::IntfId());
+  const auto list = intfListFactory();
+  list->intfEnq(Nexo::IntfId("e"));
+  list->intfDelAll();
+  EXPECT_EQ(list->intfDeq(), Nexo::IntfId());
+  lists->specialEgressIntfListIs(SpecialEgressIntfOrdering{}, list);
+  lists->specialEgressIntfListDelAll();
+  EXPECT_EQ(lists->specialEgressIntfLists().size(), 0U);
 
   const auto mapping = fapDescriptorMappingFactory();
   const auto descriptor = Mote::make<FapDescriptor>();

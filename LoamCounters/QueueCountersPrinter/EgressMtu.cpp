@@ -32,7 +32,6 @@ void printShowInterfacesEgressMtuCounters(tabula::Printer& printer, U32 fmt,
   tabula::Attr64Info enqueuedAttr("enqueuedPackets", printer);
   tabula::Attr64Info droppedAttr("droppedPackets", printer);
   tabula::Attr64Info totalAttr("totalPackets", printer);
-  fapAttr.setValue("");
   printer.addFrills<"Aggregate Egress Mtu Counters\n">();
   printer.addFrills<"%-17s %19s %19s %19s\n">("Switch", "EnqueuePkts", "Discards", "TotalPkts");
   printer.start();

@@ -480,7 +480,7 @@ TEST(Threads, ReadRecordsOfARegionWhole) {
     ASSERT_EQ(static_cast<double>(counter.value), counter.lastDiscontinuity.value());
     ASSERT_EQ(counter.value % 2 != 0, counter.overflow);
   }
-  EXPECT_GT(changes, 100U);
+  EXPECT_GT(changes, 10U);  // the machine may be busy
 }
 
 }  // namespace

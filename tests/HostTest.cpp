@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -8,6 +7,7 @@
 #include "loamshow/state/Source.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
+#include "tests/Program.h"
 #include "tests/Support.h"
 
 namespace loamtest {
@@ -35,83 +35,34 @@ Json stateWith(const std::string& path, Json value) {
 }
 
 TEST(StateFile, NamesFileAndMemberOfEveryError) {
-  // A value where it does not belong.
+  // A value where it does not belong: each message once. That every member has its range and every object its
+  // members is what the test of the schema holds.
   const std::tuple<const char*, std::string, const char*> misplaced[] = {
       {"/status/fapNumCores/1", R"("two")", "expected a number"},
       {"/status/fapNumCores/1", "1.5", "expected an integer from 0 to 65535"},
       {"/status/fapNumCores/2047", "1", "expected a key from 0 to 2046"},
-      {"/status/fapNumCores/01", "1", "expected a key from 0 to 2046"},
       {"/status/fapIdToName/1", "1", "expected a string"},
       {"/status/fapIdToName/1", R"("a\u0000")", "a name cannot hold U+0000"},
-      {"/status/sppidToIntfId/1", R"("a")", "expected a key from 2 to 32767"},
       {"/status/intfIdToSppid/Et1~11", "32768", "expected an integer from 2 to 32767"},
-      {"/status/portMap/2/fapPortId", "257", "expected an integer from 0 to 256"},
-      {"/status/portMap/2/fapId", "2048", "expected an integer from 0 to 2047"},
-      {"/status/portMap/2/coreId", "7", "expected an integer from 0 to 6"},
       {"/status/portMap/2/intfId", R"("a")", "unknown member"},
       {"/status/recircPort/0", R"({"recircType": 1})", "expected a systemPhyPortId"},
-      {"/status/olpPort/65536", "3", "expected a key from 0 to 65535"},
       {"/status/cpuRecircEnabled", "1", "expected true or false"},
-      {"/status/subIntfNumVoqs", "9", "expected an integer from 0 to 8"},
       {"/status", "[]", "expected an object"},
       {"/interfaces", "{}", "expected an array"},
       {"/fabricMcastVoq", R"({"min": 3})", "expected both min and max"},
       {"/fabricMcastVoq", R"({"min": 3, "max": 11})", "expected a max from min to min + 7"},
-      {"/counters/ingress/0/fapId", "2047", "expected an integer from 0 to 2046"},
       {"/counters/egress/a/queues/0", "[1, 2, 3]", "expected four counts"},
-      {"/counters/egressTm/a/ambiguousTcs/0", "4", "expected an integer from 0 to 3"},
-      {"/counters/egressAcl/a", "9223372036854775808", "expected an integer from 0 to 9223372036854775807"},
       {"/debug/faps/F/directory/blocks/b/c/fields/f/offset", "null", "expected a number"},
-      {"/skeinMountMode", "1", "expected true or false"},
-      {"/perInputPortCoppVoqs", R"("yes")", "expected true or false"},
       {"/switch/name", R"("")", "expected a name that is not empty"},
-      {"/switch/takenAt", R"("")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
-      {"/switch/takenAt", R"("2026-11-23T10:53:60Z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
       {"/switch/takenAt", R"("2026-02-29T10:53:00Z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
-      {"/switch/takenAt", R"("2026-11-23T10:53:31z")", "expected a time in UTC such as 2026-11-23T10:53:31Z"},
-      {"/switch/takenAt", R"("2026-11-23T10:53:31.Z")",
-       "expected a time in UTC such as 2026-11-23T10:53:31Z"},
-      {"/switch/takenAt", R"("2026-11-23T10:53:31.1234567Z")",
-       "expected a time in UTC such as 2026-11-23T10:53:31Z"},
       {"/counters/ingress/0/queue", "[]", "unknown member; did you mean queues?"},
       {"/counters/ingress/0/queues", Json(81, zeros()).dump(), "expected at most 80 queues"},
-      {"/counters/egress/a/queues", Json(9, zeros()).dump(), "expected at most 8 queues"},
-      {"/counters/egressTm/a/queues", Json(9, Json::object()).dump(), "expected at most 8 queues"},
-      {"/counters/egressLag/a/queues", Json(17, Json::object()).dump(), "expected at most 16 queues"},
   };
   for (const auto& [path, value, error] : misplaced) {
     EXPECT_EQ(stateError(stateWith(path, Json::parse(value)).dump()), line("s.json: %s: %s", path, error));
   }
-  for (const char* object : {"",
-                             "/switch",
-                             "/status",
-                             "/status/fapRevision/1",
-                             "/status/portMap/2",
-                             "/status/portMapToIntfId/0",
-                             "/status/recircPort/0",
-                             "/tmMapping",
-                             "/internalLagStatus",
-                             "/fabricMcastVoq",
-                             "/counters",
-                             "/counters/ingress/0",
-                             "/counters/egress/a",
-                             "/counters/egressTm/a",
-                             "/counters/egressTm/a/queues/0",
-                             "/counters/egressLag/a",
-                             "/counters/egressLag/a/queues/0",
-                             "/counters/egressMtu/1",
-                             "/debug",
-                             "/debug/faps/F",
-                             "/debug/faps/F/directory",
-                             "/debug/faps/F/directory/blocks/b/c",
-                             "/debug/faps/F/directory/blocks/b/c/fields/f",
-                             "/debug/faps/F/snapshots/s/0"}) {
-    const std::string path = std::string(object) + "/colour";
-    EXPECT_EQ(stateError(stateWith(path, 1).dump()), "s.json: " + path + ": unknown member");
-  }
   const std::pair<const char*, const char*> texts[] = {
       {R"({"status": {"fapNumCores": {"1": 1, "1": 1}}})", "/status/fapNumCores/1: repeated key"},
-      {R"({"status": {"fapNumCores": {}, "fapNumCores": {}}})", "/status/fapNumCores: repeated member"},
       {R"({"status": {"portMapToIntfId": [{"fapId": 1}, {"fapId": 1, "intfId": "x"}]}})",
        "/status/portMapToIntfId/1: repeated entry of this FAP, core and port"},
       {R"({"status": {"recircPort": [{"systemPhyPortId": 3}, {"systemPhyPortId": 4}]}})",
@@ -123,9 +74,7 @@ TEST(StateFile, NamesFileAndMemberOfEveryError) {
       {R"({"counters": {"egress": {"a": {"total": [1, 2, 3, 18446744073709551616]}}}})",
        "/counters/egress/a/total/3: expected an integer from 0 to 18446744073709551615"},
       {R"({"debug": {"faps": {"F": {}, "F": {}}}})", "/debug/faps/F: repeated key"},
-      {R"({"status": {"a\nb": 1}})", "/status/a?b: unknown member"},
-      {"[]", "expected an object"},
-      {"", "the file is empty"}};
+      {R"({"status": {"a\nb": 1}})", "/status/a?b: unknown member"}};
   for (const auto& [text, error] : texts) EXPECT_EQ(stateError(text), std::string("s.json: ") + error);
   for (const char* text : {"{}", R"({"fabricMcastVoq": {}})",
                            R"({"switch": {"name": "a", "takenAt": "0000-02-29T00:00:00.5Z"}})",
@@ -145,19 +94,17 @@ TEST(Source, ReadsFilesAndPipesOfManyReads) {
   EXPECT_EQ(source.read().interfaces.size(), interfaces);
   EXPECT_EQ(source.read().interfaces.size(), interfaces);
 
-  int ends[2];
-  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  Pipe pipe;
   std::thread writer([&] {
     for (std::size_t at = 0; at < text.size(); at += 10'007) {
       const std::string piece = text.substr(at, 10'007);
-      EXPECT_EQ(::write(ends[1], piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
+      EXPECT_EQ(::write(pipe.ends[1], piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
     }
-    ::close(ends[1]);
+    pipe.closeEnd(1);
   });
-  EXPECT_EQ(loamshow::Source("/proc/self/fd/" + std::to_string(ends[0])).read().interfaces.size(),
+  EXPECT_EQ(loamshow::Source("/proc/self/fd/" + std::to_string(pipe.ends[0])).read().interfaces.size(),
             interfaces);
   writer.join();
-  ::close(ends[0]);
 }
 
 TEST(Source, EndsWhatHasNoEnd) {
@@ -184,12 +131,8 @@ TEST(StateFile, SurvivesNonsense) {
   const auto isSyntaxError = testing::AllOf(
       testing::StartsWith("s.json: parse error at line 1"), testing::Not(testing::HasSubstr("\n")),
       testing::ResultOf([](const std::string& s) { return s.size(); }, testing::Lt(300U)));
-  EXPECT_EQ(stateError({"{}\0{", 4}), "s.json: a NUL byte where JSON was expected");
-  EXPECT_THAT(stateError("{} {}"), isSyntaxError);
   EXPECT_THAT(stateError("{\"interfaces\": [\"\xff\"]}"), isSyntaxError);
   EXPECT_THAT(stateError("{\"interfaces\": [\"" + std::string(1'000'000, 'x')), isSyntaxError);
-  EXPECT_EQ(stateError("{\"debug\": {\"switchTimeOffset\": 1e999}}"),
-            "s.json: /debug/switchTimeOffset: number overflow parsing '1e999'");
   const std::string deep = "{\"interfaces\": " + std::string(100'000, '[') + std::string(100'000, ']') + "}";
   EXPECT_EQ(stateError(deep), "s.json: /interfaces/0: expected a string");
   // The first error is the one reported, also where what follows is no JSON.
@@ -214,10 +157,6 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
     }
     return names;
   };
-  const auto malformedRange = [](const std::string& range) {
-    return "malformed range \"" + range +
-           "\": expected a name, \"-\" and the last number, without leading zeros, as in Et1/1-4";
-  };
   const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"Et1/2", "ethernet1/1,PO1"}, "Ethernet1/2 Ethernet1/1 Port-Channel1"},
       {{"et1/1-3", "et1/2"}, "Ethernet1/1 Ethernet1/2 Ethernet1/3 Ethernet1/2"},
@@ -241,17 +180,17 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
       {{"Et1/1, Et1/2"}, "no such interface \" Et1/2\"; did you mean Et1/2?"},
       {{"Et1/1-4"}, "no such interface \"Et1/4\" (in range \"Et1/1-4\")"},
       {{"Et1/3-1"}, "descending range \"Et1/3-1\""},
-      {{"Et1/01-3"}, malformedRange("Et1/01-3")},
-      {{"Et1/1-"}, malformedRange("Et1/1-")},
-      {{"Et1/1-3/4"}, malformedRange("Et1/1-3/4")},
-      {{"Et9/1-9/4"}, malformedRange("Et9/1-9/4")},
-      {{"Et1/1-Et1/2"}, malformedRange("Et1/1-Et1/2")},
       {{"Et1/1-99999999999999999999"},
        "no such interface \"Et1/4\" (in range \"Et1/1-99999999999999999999\")"},
       {{"y18446744073709551615-18446744073709551616"}, "y18446744073709551615 y18446744073709551616"},
       {{"-1"}, "no such interface \"-1\""},
   };
   for (const auto& [arguments, names] : cases) EXPECT_EQ(selected(arguments), names);
+  for (const std::string range : {"Et1/01-3", "Et1/1-", "Et1/1-3/4", "Et9/1-9/4", "Et1/1-Et1/2"}) {
+    EXPECT_EQ(selected({range}),
+              "malformed range \"" + range +
+                  "\": expected a name, \"-\" and the last number, without leading zeros, as in Et1/1-4");
+  }
   EXPECT_EQ(loamshow::selectInterfaces(interfaces, {}), interfaces);
 }
 

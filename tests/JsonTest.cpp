@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <regex>
 
 #include "loamshow/json/JsonReader.h"
 #include "loamshow/json/JsonWriter.h"
@@ -96,73 +97,35 @@ TEST(JsonReader, ReadsForwardsAndExplainsItsErrors) {
   for (const auto& [text, read] : cases) EXPECT_EQ(readDocument(text), read) << text;
 }
 
-void writeDocument(JsonWriter& out) {
-  out.beginObject();
-  out.member("count", ~U64{0});
-  out.member("small", U8{7});
-  out.member("yes", true);
-  out.key("none");
-  out.null();
-  out.member("a\"b", "\\ / \n\t\r\b\f\x01\x1f\x7f \u00e9");
-  out.key("empty");
-  out.beginObject();
-  out.endObject();
-  out.key("list");
-  out.beginArray();
-  for (const double number : {0.0, 1.5, 1700000000.0, -0.1, 1e16, 1e17, 1e-5, 1.25e-6, 5e-324})
-    out.value(number);
-  out.beginArray();
-  out.endArray();
-  out.beginObject();
-  out.member("last", "");
-  out.endObject();
-  out.endArray();
-  out.endObject();
-}
-
-TEST(JsonWriter, LaysOutOnLinesOrOnOne) {
+// What it writes of names, texts and objects is held against another library's in its fuzz target.
+TEST(JsonWriter, WritesArraysAndEveryScalar) {
+  const auto writtenTo = [](JsonWriter& out) {
+    out.beginArray();
+    for (const double number : {0.0, 1.5, 1700000000.0, -0.1, 1e16, 1e17, 1e-5, 1.25e-6, 5e-324}) {
+      out.value(number);
+    }
+    out.value(U8{7});
+    out.value(true);
+    out.null();
+    out.beginArray();
+    out.endArray();
+    out.beginObject();
+    out.member("no", false);
+    out.endObject();
+    out.endArray();
+  };
+  std::string pieces;
+  const auto take = [&](std::string_view piece) { pieces += piece; };
+  const std::string numbers = "0,1.5,1700000000,-0.1,10000000000000000,1e+17,0.00001,1.25e-06,5e-324,7";
+  JsonWriter oneLine(take, Layout::oneLine);
+  for (int i = 0; i < 2; ++i) writtenTo(oneLine);
+  const std::string line = "[" + numbers + ",true,null,[],{\"no\":false}]\n";
+  EXPECT_EQ(pieces, line + line);
   std::string lines;
   JsonWriter indented(lines, Layout::indented);
-  writeDocument(indented);
-  EXPECT_EQ(lines, R"({
-  "count": 18446744073709551615,
-  "small": 7,
-  "yes": true,
-  "none": null,
-  "a\"b": "\\ / \n\t\r\b\f\u0001\u001f)"
-                   "\x7f"
-                   R"( é",
-  "empty": {},
-  "list": [
-    0,
-    1.5,
-    1700000000,
-    -0.1,
-    10000000000000000,
-    1e+17,
-    0.00001,
-    1.25e-06,
-    5e-324,
-    [],
-    {
-      "last": ""
-    }
-  ]
-}
-)");
-  std::string pieces;
-  JsonWriter oneLine([&](std::string_view piece) { pieces += piece; }, Layout::oneLine);
-  writeDocument(oneLine);
-  writeDocument(oneLine);
-  std::string joined;
-  for (std::size_t at = 0; at < lines.size(); ++at) {
-    if (lines[at] == '\n') {
-      at = std::min(lines.find_first_not_of(' ', at + 1), lines.size()) - 1;
-    } else if (lines[at] != ' ' || lines[at - 1] != ':') {
-      joined += lines[at];
-    }
-  }
-  EXPECT_EQ(pieces, joined + "\n" + joined + "\n");
+  writtenTo(indented);
+  EXPECT_EQ(lines, "[\n  " + std::regex_replace(numbers, std::regex(","), ",\n  ") +
+                       ",\n  true,\n  null,\n  [],\n  {\n    \"no\": false\n  }\n]\n");
 }
 
 }  // namespace

@@ -193,24 +193,10 @@ TEST(CommandLine, FindsTheSwitch) {
   EXPECT_THAT(shownBy("", {}).err, testing::HasSubstr("no switch given"));
 }
 
-/// Sets this process's limit on the size of files, which programs inherit, while it exists.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limited = before_;
-    limited.rlim_cur = bytes;
-    ::setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
-
 TEST(CommandLine, NeedsNoFileToAnswerIntoAPipe) {
+  rlimit limit{};  // on the size of files, which programs inherit
+  ::getrlimit(RLIMIT_FSIZE, &limit);
+  const rlim_t before = limit.rlim_cur;
   std::istringstream commands(run({"complete", ""}).out);
   for (std::string command; std::getline(commands, command);) {
     command.erase(command.find('\t'));
@@ -218,8 +204,12 @@ TEST(CommandLine, NeedsNoFileToAnswerIntoAPipe) {
     const Ran unlimited = run(arguments);
     Pipe pipe;
     ::fcntl(pipe.ends[1], F_SETPIPE_SZ, 1 << 20);
-    const FileSizeLimit none(0);
-    EXPECT_EQ(Program(arguments, pipe.ends[1], pipe.ends[1]).status(), unlimited.status) << command;
+    limit.rlim_cur = 0;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const int status = Program(arguments, pipe.ends[1], pipe.ends[1]).status();
+    limit.rlim_cur = before;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_EQ(status, unlimited.status) << command;
     EXPECT_EQ(pipe.drain(), unlimited.out + unlimited.err) << command;
   }
 }
@@ -227,10 +217,10 @@ TEST(CommandLine, NeedsNoFileToAnswerIntoAPipe) {
 TEST(CommandLine, AMissingDirectoryIsWrongUsageToo) {
   namespace fs = std::filesystem;
   const fs::path before = fs::current_path();
-  const fs::path gone = fs::temp_directory_path() / ("loamtest" + std::to_string(::getpid()));
-  fs::create_directory(gone);
-  fs::current_path(gone);
-  fs::remove(gone);
+  {
+    const TemporaryDirectory gone;
+    fs::current_path(gone.path());
+  }
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"--sample", "mtu", "--plugin", "x/p.so"},
         {"--sample", "mtu", "--plugin", "p.so"},

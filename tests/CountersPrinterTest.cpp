@@ -186,6 +186,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
   EXPECT_THAT(sources("ingress", "/sources", [](Status&) {}), ElementsAre("A.0", "A.1", "B"));
   EXPECT_THAT(sources("ingress", "/sources", replace), ElementsAre("A.0", "A.1", "Above", "B"));
   EXPECT_THAT(sources("ingress", "/sources", removeCores), ElementsAre("A.0", "A.1"));
+  EXPECT_THAT(sources("ingress", "/sources", remove), ElementsAre("A.0", "A.1"));
   EXPECT_THAT(sources("ingress", "/sources", assign), ElementsAre("A.0", "A.1", "Above"));
   EXPECT_THAT(sources("mtu", "/destinations", remove), ElementsAre("A", "B"))
       << "read 2 is already that of B";

@@ -39,8 +39,9 @@ TEST(Printer, CarriesTextLargerThanItsBuffer) {
     }
     EXPECT_EQ(printer.template addFrills<"[%s]">(wide), 150'002);
     EXPECT_EQ(printer.template addFrills<"%*u|%-*u.">(100'000U, 7U, 70'000U, 8U), 170'002);
+    EXPECT_EQ(printer.template addFrills<"%d %d">(0, -3), 4);
   });
-  EXPECT_EQ(got, expected + "[" + wide + "]" + line("%100000u|%-70000u.", 7, 8));
+  EXPECT_EQ(got, expected + "[" + wide + "]" + line("%100000u|%-70000u.", 7, 8) + "0 -3");
 }
 
 TEST(Printer, KeysEntriesByNumbers) {

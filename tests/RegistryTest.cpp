@@ -9,6 +9,7 @@
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
+#include "platform/Vane.h"
 #include "platform/tabula.h"
 #include "tests/Support.h"
 
@@ -176,6 +177,20 @@ TEST(Registry, AnOperationAnswersItsResult) {
                                       sectionNameIsDue, Mote::String(), U32{0}, Mote::String()});
     EXPECT_EQ(stillDue.as<bool>(), sectionNameIsDue);
   }
+}
+
+TEST(Registry, ForgetsAModuleThatLeaves) {
+  static constexpr std::array types = {[] {
+    Vane::TypeDescriptor type;
+    type.name = "Guest::Kind";
+    return type;
+  }()};
+  static constexpr Vane::ModuleDescriptor guest{"Guest", "", {}, types};
+  {
+    const Vane::Registration registration(guest);
+    EXPECT_EQ(Vane::findType("Guest::Kind"), types.data());
+  }
+  EXPECT_EQ(Vane::findType("Guest::Kind"), nullptr);
 }
 
 TEST(Registry, CursorsWalkEveryCollection) {

@@ -1,18 +1,39 @@
-"""Runs what documents show: docs.py LOAMSHOW SOURCE-DIRECTORY DOCUMENT...
+"""Checks the documents: docs.py LOAMSHOW SOURCE-DIRECTORY DOCUMENT...
 
-In a "console" block, a command that begins with "./loam run" must print the lines after it, up to a line "..."; blanks at
-the end of a line do not count."""
+Relative links of all documents lead to files, and their #anchors to headings. In each DOCUMENT, a command of a "console"
+block that begins with "./loam run" prints the lines after it, up to a line "..."; trailing blanks are ignored."""
 import os
 import pathlib
 import re
 import subprocess
 import sys
 
-loamshow, source = sys.argv[1:3]
-environment = dict(os.environ, LOAM_STATE=os.path.join(source, "samples/sample-switch.json"))
+loamshow = sys.argv[1]
+source = pathlib.Path(sys.argv[2]).resolve()
+
+
+def text(page):
+    """A page without its blocks of code."""
+    return re.sub("^```.*?^```", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
+
+
+def anchors(page):
+    """The anchors that are made from the headings of a page."""
+    titles = re.findall("^#+ (.*)", text(page), re.MULTILINE)
+    return [re.sub(r"[^\w\- ]", "", title).lower().replace(" ", "-") for title in titles]
+
+
+pages = [*source.glob("*.md"), *source.glob("docs/*.md"), *source.glob("samples/*.md")]
+links = [(page, link) for page in pages for link in re.findall(r"\]\(([^)]*)\)", re.sub("`.*?`", "", text(page)))]
+for page, link in links:
+    file, _, anchor = link.partition("#")
+    target = page.parent / file if file else page
+    assert target.exists() and (not anchor or anchor in anchors(target)), f"{page}: broken link: {link}"
+print(f"{len(pages)} pages, {len(links)} links")
+
+environment = dict(os.environ, LOAM_STATE=str(source / "samples/sample-switch.json"))
 for document in sys.argv[3:]:
-    text = (pathlib.Path(source) / document).read_text()
-    blocks = re.findall(r"```console\n\$ (\./loam run .*)\n((?:.*\n)*?)```\n", text)
+    blocks = re.findall(r"```console\n\$ (\./loam run .*)\n((?:.*\n)*?)```\n", (source / document).read_text())
     assert blocks, f"{document} shows no command"
     for command, shown in blocks:
         out = subprocess.run(command.replace("./loam run", loamshow), shell=True, cwd=source, env=environment,

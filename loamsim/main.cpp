@@ -29,16 +29,18 @@ constexpr int exitUsage = 2;
 
 constexpr const char* help = R"(usage: loamsim [OPTIONS] STATE REGION
 
-Publishes the switch of a state file in a counter region, and lets it count
-until it is interrupted; then removes the region. loamshow -s REGION shows it.
+Simulates a switch: publishes the switch of a state file in a counter region
+and lets its counters move until it is interrupted, then removes the region.
+loamshow -s REGION reads it.
 
   STATE                  state file, '-' for standard input
-  REGION                 file to make, best in /dev/shm; replaced if it exists
-  --speed X              count X times as fast as would double the counts in
-                         an hour; 0 stands still (default: 1)
-  --period MILLISECONDS  time between two updates, 0 for as fast as possible
+  REGION                 file to create, preferably in /dev/shm; an existing
+                         one is replaced
+  --speed X              X times the speed that doubles the counts in an hour;
+                         0: counters do not move (default: 1)
+  --period MILLISECONDS  time between two updates, 0: as fast as possible
                          (default: 100)
-  --seed N               make another random sequence (default: 1)
+  --seed N               seed of the random sequence (default: 1)
   --for SECONDS          stop after this time
   -h, --help             print help and exit
 )";
@@ -79,7 +81,7 @@ std::optional<Settings> settingsOf(int argc, char** argv) {
     return {};
   } catch (const args::Error& error) {
     const std::string_view text = error.what();  // ends with the word that does not fit
-    throw InputError("not understood: " + loamshow::printable(text.substr(text.rfind(' ') + 1)) +
+    throw InputError("unexpected argument: " + loamshow::printable(text.substr(text.rfind(' ') + 1)) +
                      " (see --help)");
   }
   if (!region) throw InputError("expected a state file and a region (see --help)");
@@ -88,9 +90,10 @@ std::optional<Settings> settingsOf(int argc, char** argv) {
   constexpr double mostMs = 86'400'000;
   constexpr double mostSeconds = 1e9;
   if (speed) read("--speed", args::get(speed), "a number from 0 to 1e9", mostSpeed, settings.speed);
-  if (period) read("--period", args::get(period), "milliseconds, up to a day", mostMs, settings.periodMs);
-  if (seed) read("--seed", args::get(seed), "a number from 0 on", HUGE_VAL, settings.seed);
-  if (seconds) read("--for", args::get(seconds), "seconds, up to 1e9", mostSeconds, settings.seconds);
+  if (period)
+    read("--period", args::get(period), "milliseconds from 0 to 86400000", mostMs, settings.periodMs);
+  if (seed) read("--seed", args::get(seed), "an integer from 0", HUGE_VAL, settings.seed);
+  if (seconds) read("--for", args::get(seconds), "seconds from 0 to 1e9", mostSeconds, settings.seconds);
   return settings;
 }
 

@@ -51,8 +51,8 @@ std::string programHelp() {
   return "Usage: loamshow [OPTIONS] COMMAND [ARGUMENTS]\n"
          "Shows where traffic is queued or dropped in a switch.\n"
          "\nCommands:\n" +
-         columns(ofCommands) + "\nOptions, before or after the command:\n" + columns(ofOptions) +
-         "\nOptions of a command, and an example: loamshow help COMMAND\n";
+         columns(ofCommands) + "\nGlobal options, before or after the command:\n" + columns(ofOptions) +
+         "\nOptions and an example of a command: loamshow help COMMAND\n";
 }
 
 std::string commandHelp(const Command& command) {
@@ -66,11 +66,11 @@ std::string commandHelp(const Command& command) {
   if (command.names == Names::interfaces) {
     text +=
         "\nINTF is an interface name, a list or a range: Ethernet1/1, et1/1, Et1/1-3,Po1.\n"
-        "Without any, all interfaces are shown.\n";
+        "By default, all interfaces are shown.\n";
   }
   if (!ofOptions.empty()) text += "\nOptions:\n" + columns(ofOptions);
   return text + "\nExample:\n  loamshow " + name + ' ' + std::string(command.example) +
-         "\n\nOptions of every command: loamshow help\n";
+         "\n\nGlobal options: loamshow help\n";
 }
 
 }  // namespace loamshow

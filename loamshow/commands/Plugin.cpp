@@ -40,7 +40,8 @@ Vane::Value Object::request(std::string_view attribute, Vane::OpCode op,
   Vane::Value result;
   if (!number || Vane::genericIfAttributeOp(*node_, result, *number, static_cast<U8>(op), arguments, value) !=
                      Vane::OpStatus::done) {
-    throw InputError("the plug-in's " + std::string(type_->name) + " has no such " + std::string(attribute));
+    throw InputError("the plug-in's " + std::string(type_->name) + " has no attribute " +
+                     std::string(attribute));
   }
   return result;
 }

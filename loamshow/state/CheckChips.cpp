@@ -30,8 +30,8 @@ void checkCores(const SwitchState& state, Findings& findings) {
       findings.push_back({member("status", "fapNumCores", fap.value()), problem});
     };
     if (cores > mostCoresOfDrops) {
-      find(std::to_string(cores) + " cores: drops shows " + std::to_string(mostCoresOfDrops) +
-           " at the most, ingress and cpu " + std::to_string(mostCores));
+      find(std::to_string(cores) + " cores: drops shows at most " + std::to_string(mostCoresOfDrops) +
+           ", ingress and cpu at most " + std::to_string(mostCores));
     }
     if (!state.perInputPortCoppVoqs || cores == 0 || voqs == 0) continue;
     const U32 port = highestVoqPort(cores, voqs);
@@ -46,8 +46,8 @@ void checkCopp(const SwitchState& state, Findings& findings) {
   constexpr U32 mostVoqs = LoamCounters::IngressTcCounter::capacity;
   const U32 voqs = state.status->coppClassNumVoqs;
   if (voqs <= mostVoqs) return;
-  findings.push_back({member("status", "coppClassNumVoqs"), std::to_string(voqs) + " VOQs: cpu shows " +
-                                                                std::to_string(mostVoqs) + " at the most"});
+  findings.push_back({member("status", "coppClassNumVoqs"),
+                      std::to_string(voqs) + " VOQs: cpu shows at most " + std::to_string(mostVoqs)});
 }
 
 }  // namespace loamshow

@@ -45,18 +45,18 @@ void checkNames(const Status& status, Findings& findings) {
   for (const auto& [intf, port] : status.intfIdToSppid) {
     const IntfId portIntf = status.sppidToIntfId.get(port);
     if (portIntf == intf) continue;
-    problems.set(intf.stringValue(), portIntf == IntfId()
-                                         ? portText(port) + " has no interface in sppidToIntfId"
-                                         : portText(port) + " is that of " +
-                                               std::string(portIntf.stringValue()) + " in sppidToIntfId");
+    problems.set(intf.stringValue(),
+                 portIntf == IntfId()
+                     ? portText(port) + " has no interface in sppidToIntfId"
+                     : "sppidToIntfId maps " + portText(port) + " to " + std::string(portIntf.stringValue()));
   }
   for (const SystemPhyPortId port : ascending(status.sppidToIntfId.keys())) {
     const IntfId intf = status.sppidToIntfId.get(port);
     if (intf == IntfId() || problems.contains(intf.stringValue())) continue;
     const SystemPhyPortId* own = status.intfIdToSppid.find(intf);
     if (own == nullptr ? isCoppClassPort(port) : *own == port) continue;
-    problems.set(intf.stringValue(), "sppidToIntfId gives it " + portText(port) + ", intfIdToSppid " +
-                                         (own == nullptr ? "none" : portText(*own)));
+    problems.set(intf.stringValue(), (own == nullptr ? "no port" : portText(*own)) +
+                                         ", but sppidToIntfId gives " + portText(port));
   }
   for (const auto& [name, problem] : problems) {
     findings.push_back({member("status", "intfIdToSppid", name), problem});

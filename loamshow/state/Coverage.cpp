@@ -29,7 +29,7 @@ std::string Coverage::reason() const {
       return itsPort + " has no traffic-manager queues";
     case Kind::portOfOther:
       return itsPort + (portIntf == Nexo::IntfId() ? " has no interface name"
-                                                   : " is that of " + printable(portIntf.stringValue()));
+                                                   : " belongs to " + printable(portIntf.stringValue()));
   }
   return "";
 }

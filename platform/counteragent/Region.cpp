@@ -37,7 +37,7 @@ bool within(U64 begin, U64 size, U64 all) {
 
 RegionMapping mapped(int fd, const Mote::String& name, RegionAccess access) {
   struct stat status {};
-  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) fail(name, "not a file");
+  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) fail(name, "not a regular file");
   const auto size = static_cast<std::size_t>(status.st_size);
   if (size < sizeof(RegionHeader)) fail(name, "truncated counter region");
   try {
@@ -53,7 +53,7 @@ template <class T>
 T Region::load(U64 offset) const {
   static_assert(sizeof(T) % sizeof(U64) == 0);
   if (offset % structAlignment != 0 || !within(offset, sizeof(T), mapping_.size())) {
-    damaged("a structure outside of it");
+    damaged("invalid offset or size of a structure");
   }
   std::array<U64, sizeof(T) / sizeof(U64)> words;
   for (std::size_t i = 0; i < words.size(); ++i) words[i] = loadWord(mapping_.bytes(), offset + 8 * i);
@@ -73,7 +73,7 @@ Region::Region(int fd, const Mote::String& name, RegionAccess access)
     fail(name_, "not a counter region");
   }
   if (header.byteOrder == __builtin_bswap32(RegionHeader::expectedByteOrder)) {
-    fail(name_, "a counter region of another byte order");
+    fail(name_, "a counter region with another byte order");
   }
   if (header.byteOrder != RegionHeader::expectedByteOrder) damaged("unknown byte order");
   if (header.version != RegionHeader::expectedVersion) {
@@ -81,7 +81,7 @@ Region::Region(int fd, const Mote::String& name, RegionAccess access)
                     std::to_string(RegionHeader::expectedVersion));
   }
   if (header.size > mapping_.size()) fail(name_, "truncated counter region");
-  if (header.size < mapping_.size()) damaged("more bytes than it says");
+  if (header.size < mapping_.size()) damaged("the size in its header is too small");
   description_ = header.description;
   interfaces_ = header.interfaces;
   faps_ = header.faps;
@@ -125,7 +125,7 @@ void Region::spend(U64 bytes) {
 }
 
 std::string Region::text(RegionPart part) const {
-  if (!within(part.offset, part.count, mapping_.size())) damaged("a text outside of it");
+  if (!within(part.offset, part.count, mapping_.size())) damaged("invalid offset or size of a text");
   return {mapping_.bytes() + part.offset, part.count};
 }
 
@@ -151,13 +151,13 @@ void Region::heartbeatIs(U64 nanoseconds) const noexcept {
 U64* Region::record(U64 offset, U64 words) const {
   if (offset == 0) damaged("a missing record");
   if (offset % region::recordAlignment != 0 || !within(offset, sizeof(U64) * (1 + words), mapping_.size())) {
-    damaged("a record outside of it");
+    damaged("invalid offset or size of a record");
   }
   return wordAt(mapping_.bytes(), offset);
 }
 
 void Region::checkInterfaces() {
-  requireArray(interfaces_, sizeof(RegionInterface), "its interfaces lie outside of it");
+  requireArray(interfaces_, sizeof(RegionInterface), "invalid offset or size of the interfaces");
   for (U64 i = 0; i < interfaces_.count; ++i) {
     const auto intf = element<RegionInterface>(interfaces_, i);
     spend(intf.name.count);
@@ -169,7 +169,7 @@ void Region::checkInterfaces() {
 }
 
 void Region::checkInterface(const RegionInterface& intf) {
-  requireArray(intf.sources, sizeof(RegionSource), "sources of an interface outside of it");
+  requireArray(intf.sources, sizeof(RegionSource), "invalid offset or size of an interface's sources");
   spend(intf.sources.count * sizeof(RegionSource));
   std::optional<RecordTables::Source> last;
   for (U64 i = 0; i < intf.sources.count; ++i) {
@@ -197,7 +197,7 @@ RegionInterface Region::interface(Nexo::IntfId intf) const {
 
 RegionSource Region::source(const RegionInterface& intf, U64 number) const {
   const auto source = element<RegionSource>(intf.sources, number);
-  if (source.queues > IngressTcCounter::capacity) damaged("a record of too many queues");
+  if (source.queues > IngressTcCounter::capacity) damaged("a record with too many queues");
   return source;
 }
 
@@ -219,7 +219,7 @@ RegionSource Region::sourceOf(const RegionInterface& intf, RecordTables::Source 
 }
 
 void Region::checkFaps() const {
-  requireArray(faps_, sizeof(RegionFap), "its FAPs lie outside of it");
+  requireArray(faps_, sizeof(RegionFap), "invalid offset or size of the FAPs");
   for (U64 i = 0; i < faps_.count; ++i) {
     const RegionFap entry = fap(i);
     if (entry.fap >= FapId::highest) damaged("an unknown FAP");
@@ -249,10 +249,10 @@ RegionFap Region::fapOf(FapId wanted) const {
 
 void Region::checkManagers() {
   Vane::HashMap<Mote::String, bool> faps;
-  requireArray(managers_, sizeof(RegionManager), "its debug counters lie outside of it");
+  requireArray(managers_, sizeof(RegionManager), "invalid offset or size of the debug counters");
   for (U64 i = 0; i < managers_.count; ++i) {
     const auto manager = element<RegionManager>(managers_, i);
-    requireArray(manager.snapshots, sizeof(RegionSnapshot), "snapshots outside of it");
+    requireArray(manager.snapshots, sizeof(RegionSnapshot), "invalid offset or size of the snapshots");
     spend(manager.snapshots.count * sizeof(RegionSnapshot));
     spend(manager.fap.count);
     const Mote::String fap = nameIn(manager.fap);
@@ -270,12 +270,13 @@ void Region::checkManagers() {
 }
 
 std::vector<Region::Snapshot> Region::snapshotsOf(const RegionManager& manager) const {
-  requireArray(manager.snapshots, sizeof(RegionSnapshot), "snapshots outside of it");
+  requireArray(manager.snapshots, sizeof(RegionSnapshot), "invalid offset or size of the snapshots");
   std::vector<Snapshot> snapshots;
   for (U64 i = 0; i < manager.snapshots.count; ++i) {
     const auto snapshot = element<RegionSnapshot>(manager.snapshots, i);
-    requireArray(snapshot.records, region::recordSize(region::debugWords), "a snapshot outside of it");
-    if (snapshot.records.count >> 32U != 0) damaged("a snapshot of too many records");
+    requireArray(snapshot.records, region::recordSize(region::debugWords),
+                 "invalid offset or size of a snapshot");
+    if (snapshot.records.count >> 32U != 0) damaged("a snapshot with too many records");
     snapshots.push_back({nameIn(snapshot.name), snapshot.records});
   }
   return snapshots;

@@ -158,7 +158,7 @@ constexpr AttributeDescriptor queue(std::string_view name) {
     Value key() const override { return {}; }
     Value item() const override { return items_[at_]; }
     void advance() override { ++at_; }
-    void del() override { throw InternalException("a queue gives up its front only"); }
+    void del() override { throw InternalException("only the front of a queue can be removed"); }
 
    private:
     std::vector<Item> items_;

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs a build, whose directory is the argument, and its package, and uses what a user finds there.
+# Installs a build, whose directory is the argument, unpacks its package, and uses both as a user would.
 set -euo pipefail
 build=$1
 root=$(mktemp -d)
@@ -30,7 +30,7 @@ rows=$(for i in {0..7}; do
 done)
 [ "$(host/loamhost | sed -n 5,12p)" = "$rows" ] || fail "the example host: $(host/loamhost)"
 
-# The feeder's counts agree in every command: octets are 64 times packets, and totals their queues' sums.
+# The feeder's counts agree in every command: octets are 64 times packets, and totals are sums of queues.
 host/loamfeeder "$root/region" &
 feeder=$!
 trap 'kill "$feeder"; rm -rf "$root"' EXIT

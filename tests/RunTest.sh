@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# ./loam run, with a program that tells how it was called in the place of the one that it builds. The argument is
-# the source directory.
+# Tests how ./loam run calls the program that it builds, here replaced by a script that prints its environment. The
+# argument is the source directory.
 set -euo pipefail
 source=$1
 root=$(mktemp -d)
@@ -17,7 +17,7 @@ printf '#!/bin/sh\necho "$PWD $LOAM_STATE $*"\n' >"$root/tree/build/release/bin/
 chmod +x "$root"/tools/* "$root/tree/build/release/bin/loamshow"
 PATH=$root/tools:$PATH
 
-# Expects a call from the caller's directory to reach the program with that LOAM_STATE and these arguments.
+# Expects that a call from the caller's directory runs the program there, with that LOAM_STATE and these arguments.
 expect() {
   local state=$1 called
   shift

@@ -1,6 +1,6 @@
-"""Holds the sample's answers against their schemas: schemas.py LOAMSHOW STATE DIRECTORY-OF-SCHEMAS
+"""Validates the sample's output with the schemas: schemas.py LOAMSHOW STATE DIRECTORY-OF-SCHEMAS
 
-A schema must take the answer, with the first or the last of two equal keys, and refuse it once spoilt."""
+A schema must accept the output, with the first or the last of two equal keys, and reject each of its mutations."""
 import json
 import pathlib
 import re
@@ -11,25 +11,25 @@ import jsonschema
 
 COMMANDS = ["queues", "queues --internal", "ingress", "ingress --internal", "cpu", "cpu --summary",
             "cpu --per-port", "cpu --summary --per-port", "drops", "acl", "mtu", "top", "registry"]
-MEMBER = re.compile("(?!all$)[a-z]|TC|DP|[0-9]+$")  # or a place in a list; other keys are names of the switch
+MEMBER = re.compile("(?!all$)[a-z]|TC|DP|[0-9]+$")  # or an index; other keys are names of the switch
 OPTIONAL = {"cpu": "TC.", "drops": "TC6-7|TC.,.", "acl": "mlag.*", "mtu": ".*Pack.*", "top": "source|switch|takenAt|seconds", "registry": "const.*"}
 WRONG = {int: ["1", -1, 1.5, 2**64, None], str: [1], dict: ["text"], list: ["text"]}
 
 
 def first_wins(pairs):
-    assert all(sum(key == other for other, _ in pairs) <= 2 for key, _ in pairs), "a key stands three times"
+    assert all(sum(key == other for other, _ in pairs) <= 2 for key, _ in pairs), "a key occurs three times"
     return dict(reversed(pairs))
 
 
 def shape(value):
-    """What alike values have in common: their members, and the types of these."""
+    """The members of a value, and their types."""
     if isinstance(value, dict):
         return str(sorted((key, shape(item)) for key, item in value.items()))
     return str({shape(item): None for item in value}) if isinstance(value, list) else str(type(value))
 
 
 def reduced(value):
-    """The value with only the first of the names in each object, and of the alike objects in each list."""
+    """The value with only the first name in each object, and the first object of each shape in each list."""
     if isinstance(value, list) and value and isinstance(value[0], dict):
         return list({shape(item): reduced(item) for item in value}.values())
     if not isinstance(value, dict):
@@ -39,8 +39,8 @@ def reduced(value):
 
 
 def spoilings(parent, key, optional, within=True):
-    """Spoils a member, then all within it, or within the first of traffic classes that are alike; yields each time
-    what was done."""
+    """Mutates a member, then all members within it (of traffic classes with one shape only the first), and yields
+    a description of each mutation."""
     value = parent[key]
     for wrong in WRONG[type(value)] + ([{**value, "unknown": "text"}] if isinstance(value, dict) else []):
         parent[key] = wrong
@@ -71,6 +71,6 @@ for command in COMMANDS:
     small = {"": reduced(whole[""])}
     validator.validate(small[""])
     for done in spoilings(small, "", OPTIONAL.get(path.stem, "TC6-7")):
-        assert (path, done) in tried or not validator.is_valid(small[""]), f"{command}: taken with {done}"
+        assert (path, done) in tried or not validator.is_valid(small[""]), f"{command}: accepted with {done}"
         tried.add((path, done))
-    print(f"{command}: taken, and refused when spoilt; {len(tried)} ways so far")
+    print(f"{command}: output accepted, mutations rejected; {len(tried)} so far")

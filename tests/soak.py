@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Readers beside a writer that never rests, and writers that are killed.
+"""Readers next to a writer at full speed, and killed writers.
 
 usage: soak.py LOAMSHOW LOAMSIM STATE SECONDS KILLS
 
-In STATE every queue's octets are made 64 times its packets, and must be so in every row of every answer. No reader may
-end with anything but 0. Then KILLS writers are killed at random moments: a reader answers, or names the record that
-cannot be read within the time that a reader waits."""
+The octets of every queue in STATE are set to 64 times its packets. This must hold in every row of every output, and every
+reader must end with 0. Then KILLS writers are killed at random moments: a reader must succeed, or name the record that it
+could not read in time."""
 
 import json
 import os
@@ -41,7 +41,7 @@ def fail(problem):
 
 
 def even(value):
-    """A value of a state's counters, octets 64 times packets and totals left out."""
+    """The counters of a state with octets that are 64 times the packets, and without totals."""
     if isinstance(value, dict):
         return {key: item if key == "ambiguousTcs" else even(item) for key, item in value.items() if key != "total"}
     if isinstance(value, list) and len(value) == 4 and all(isinstance(item, int) for item in value):
@@ -80,7 +80,7 @@ def check(command, answer):
 
 
 def records(path):
-    """The sequence numbers of a region's interface records, half of which are its updates."""
+    """The updates of a region's interface records so far: half the sum of their sequence numbers."""
     with open(path, "rb") as file:
         region = file.read()
     at, count = struct.unpack_from("=QQ", region, 40)
@@ -113,7 +113,7 @@ def reader(number, path, end, answers):
     while time.monotonic() < end or turn < number + len(COMMANDS):
         command = COMMANDS[turn % len(COMMANDS)]
         ran = read(command, path)
-        # The sample's findings are the only answer of `check` that is not 0.
+        # `check` ends with 1, as the sample has a finding.
         if ran.returncode != (1 if command[0] == "check" else 0) or ran.stderr:
             fail(f"{command} ended with {ran.returncode}: {ran.stderr}")
         rows += check(command, ran.stdout) if command[0] not in ("acl", "mtu", "debug", "check") else 0
@@ -141,9 +141,9 @@ with tempfile.TemporaryDirectory(dir="/dev/shm") as directory:
     passed, updates = time.monotonic() - begin, records(path) - before
     writer.send_signal(signal.SIGINT)
     if writer.wait() != 0 or os.path.exists(path):
-        fail("the writer did not end as it should")
-    print(f"{updates / passed / 1e6:.2f} million record updates per second beside 2 readers; "
-          f"{sum(a for a, _ in answers)} answers with {sum(r for _, r in answers)} rows, all whole")
+        fail("the writer did not end with 0, or left its region")
+    print(f"{updates / passed / 1e6:.2f} million record updates per second next to 2 readers; "
+          f"{sum(a for a, _ in answers)} outputs with {sum(r for _, r in answers)} rows, all consistent")
 
     unreadable, longest = 0, 0.0
     for i in range(KILLS):
@@ -159,5 +159,5 @@ with tempfile.TemporaryDirectory(dir="/dev/shm") as directory:
             unreadable += 1
         elif ran.returncode != (1 if command[0] == "check" else 0):
             fail(f"{command} after a kill ended with {ran.returncode}: {ran.stderr}")
-    print(f"{KILLS} writers killed: {KILLS - unreadable} readers answered, {unreadable} named a record that cannot "
-          f"be read; the longest took {longest:.2f} s")
+    print(f"{KILLS} writers killed: {KILLS - unreadable} readers succeeded, {unreadable} named a record that cannot "
+          f"be read; the slowest took {longest:.2f} s")

@@ -1,4 +1,4 @@
-"""Holds the state file's schema and pages against the program: stateschema.py LOAMSHOW SAMPLES DOCS
+"""Compares the schema and the page of the state file with the program: stateschema.py LOAMSHOW SAMPLES DOCS
 
 Program and schema must agree on the sample and on every mutation of it; the program's message must name the
 member. What a schema cannot express is listed in REFUSED_BY_THE_PROGRAM_ONLY."""
@@ -44,7 +44,7 @@ runs = 0
 
 
 def loamshow(text, *arguments):
-    """A run of the program on a state."""
+    """Runs the program on a state."""
     global runs
     runs += 1
     scratch.seek(0)
@@ -55,14 +55,14 @@ def loamshow(text, *arguments):
 
 
 def refusal(text):
-    """What the program says to a state; None when it accepts it."""
+    """The program's error message for a state; None if it accepts the state."""
     ran = loamshow(text, "check")
     assert ran.returncode in (0, 1, 2) and (ran.returncode == 2) == (ran.stderr != ""), (text, ran)
     return ran.stderr.removeprefix(f"loamshow: {scratch.name}: ") or None
 
 
 def resolved(schema):
-    """The schema without references; the name of its place, where several places share one."""
+    """The schema without references, and the name of its place if several places share one."""
     shared = None
     while "$ref" in schema:
         name = schema["$ref"].rpartition("/")[2]
@@ -72,7 +72,7 @@ def resolved(schema):
 
 
 def children(schema, value, place):
-    """What is directly within a value: its key, its schema, and its place in the schema, which entries share."""
+    """The direct members of a value: key, schema, and place in the schema, which entries of a collection share."""
     if isinstance(value, dict):
         for key in value:
             known = schema.get("properties", {}).get(key)
@@ -125,7 +125,7 @@ def changed(state, path, value=None, remove=False):
 
 
 def values(schema, value, place):
-    """What to put in a value's place: mostly wrong, and at the ends of what is right."""
+    """Replacements for a value: mostly invalid ones, and the limits of valid ones."""
     kinds = schema["type"] if isinstance(schema["type"], list) else [schema["type"]]
     yield from (None, "text") if "null" in kinds or "nullable" in schema else (None,)
     if "integer" in kinds:
@@ -146,7 +146,7 @@ def values(schema, value, place):
 
 
 def mutations(state):
-    """A member that is spoilt, and the state; each place of the schema once."""
+    """A changed member, and the state with it; each place of the schema once."""
     seen = set()
     for path, schema, place in places(SCHEMA, state):
         if place not in seen:

@@ -1,8 +1,8 @@
-# Completion of loamshow in bash. The program itself says what fits; status 1 asks for a file name.
+# Completion of loamshow in bash. The program itself prints the candidates; status 1 means a file name.
 
 _loamshow() {
   local line=${COMP_LINE:0:COMP_POINT} words found status word begin
-  # read takes backslashes out; the dot keeps an empty word at the end.
+  # read removes backslashes; the dot keeps an empty word at the end.
   IFS=$' \t\n' read -d '' -a words <<<"${line//[\"\']/}."
   words[-1]=${words[-1]%.}
   words=("${words[@]/#'~/'/"$HOME/"}")
@@ -11,7 +11,7 @@ _loamshow() {
   status=$?
   [[ $status -ne 1 ]] || compopt -o default
   [[ $status -eq 0 && $found ]] || return 0
-  # readline takes what is in front of such a character for another word, and leaves it as it is.
+  # readline treats the text before such a character as another word, and leaves it unchanged.
   begin=${words[-1]%"${words[-1]##*[=:]}"}
   while IFS=$'\t' read -r word _; do
     word=${word#"$begin"}

@@ -1,5 +1,5 @@
 // A writer of live counters in one file: a switch of one chip with one port, whose first queue receives 100
-// packets of 64 octets a second and drops every tenth.
+// packets of 64 octets per second and drops one in ten.
 
 #include <chrono>
 #include <iostream>
@@ -8,7 +8,7 @@
 
 using namespace LoamCounters;
 
-// A state file without counts: what does not change while the switch counts.
+// A state file without counters: everything that does not change while the switch counts.
 constexpr const char* description = R"({
   "switch": {"name": "one-port"},
   "interfaces": ["Ethernet1"],
@@ -24,7 +24,7 @@ const Nexo::IntfId ethernet1("Ethernet1");
 const FapId fap0(0);
 const LocalCoreId core0(0);
 
-// A real feeder asks its chip. Each record's total is the sum of its queues.
+// A real feeder reads its chip. The total of each record is the sum of its queues.
 IngressTcCounter ingress(U64 packets, U64 drops) {
   IngressTcCounter record;
   record.queueIs(IngressCounterIndex(7), {});  // the region keeps room for queues 0 to 7
@@ -42,7 +42,7 @@ EgressCounter egress(U64 packets) {
 
 int main(int argc, char** argv) try {
   if (argc != 2) throw std::runtime_error("usage: loamfeeder REGION");
-  const auto records = Mote::make<MemoryCounterTables>();  // which records the region has
+  const auto records = Mote::make<MemoryCounterTables>();  // determines the records of the region
   records->ingressIs(fap0, core0, ethernet1, ingress(0, 0));
   records->egress.set(ethernet1, egress(0));
   const CounterRegionWriter writer(argv[1], description, *records);

@@ -1,5 +1,5 @@
-// A host in one file: loads the plug-in, hands it a switch of one chip with one port, and asks for the queue
-// counters of that port. Everything of the plug-in is found in the registry, by name.
+// A host in one file: loads the plug-in, passes it a switch of one chip with one port, and shows the queue
+// counters of that port. It finds types and operations of the plug-in in the registry, by name.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -24,8 +24,8 @@ using Object = Mote::Ptr<Mote::Node>;
 
 const Nexo::IntfId ethernet1("Ethernet1");
 
-/// The counters of the switch: each record's total is the sum of its queues. A real host derives its own
-/// LoamCounters::CounterTables and asks its chips.
+/// The counters of the switch. The total of each record is the sum of its queues. A real host derives its own
+/// class from LoamCounters::CounterTables, which reads its chips.
 Mote::Ptr<LoamCounters::CounterTables> chipCounters() {
   const auto tables = Mote::make<LoamCounters::MemoryCounterTables>();
   LoamCounters::IngressTcCounter ingress;
@@ -84,7 +84,7 @@ Object countersPrinter() {
 }  // namespace
 
 int main() {
-  // Never unloaded: what an operation raises may be of a type that only the plug-in has.
+  // Never unloaded, because an exception of an operation may have a type that only the plug-in defines.
   if (::dlopen(LOAM_PLUGIN, RTLD_NOW | RTLD_LOCAL) == nullptr) {
     std::cerr << ::dlerror() << "\n";
     return 1;

@@ -4,5 +4,6 @@
 
 #include "platform/tabula/Attributes.h"
 #include "platform/tabula/Interrupt.h"
+#include "platform/tabula/MemoryOutput.h"
 #include "platform/tabula/Printer.h"
 #include "platform/tabula/Renderer.h"

@@ -142,8 +142,9 @@ TEST(Top, FitsEightyColumnsUpToLongNamesAndLargeCounts) {
   using loamshow::LossKind;
   loamshow::Losses losses(false);
   const auto add = [&](LossKind kind, const char* interface, const char* queue, const char* source) {
-    const auto name = [&](const char* text) { return *text == '\0' ? nullptr : losses.name(text); };
-    losses.add({kind, name(interface), name(queue), name(source), (1U << 20U) - 1, (1U << 30U) - 1});
+    using loamshow::LossName;
+    const auto name = [&](const char* text) { return *text == '\0' ? LossName::none : losses.name(text); };
+    losses.add({(1U << 20U) - 1, (1U << 30U) - 1, name(interface), name(queue), name(source), kind});
   };
   add(LossKind::voq, "Ethernet23456789012345.7", "TC0-1", "Fap45678.6");
   add(LossKind::egressUnicast, "Ethernet234567890123456", "TC0,4", "");

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <span>
+#include <utility>
 
 namespace loamshow {
 
@@ -36,25 +37,50 @@ constexpr Rule rules[] = {
 constexpr std::size_t ingressRule = 0;
 constexpr std::size_t lagRule = 1;
 
-constexpr std::size_t longestPath = 8;
-using Path = std::array<std::string_view, longestPath + 1>;  // an empty name behind the last one
+/// A name on the way.
+struct Step {
+  enum class Kind : U8 { end, literal, source, interface, queue };
 
+  Kind kind = Kind::end;
+  std::string_view name;
+
+  bool matches(std::string_view key) const { return kind != Kind::literal || name == key; }
+};
+
+constexpr Step stepOf(std::string_view name) {
+  if (name == "{source}") return {Step::Kind::source, name};
+  if (name == "{interface}") return {Step::Kind::interface, name};
+  if (name == "{queue}") return {Step::Kind::queue, name};
+  return {Step::Kind::literal, name};
+}
+
+constexpr std::size_t longestPath = 8;
+
+struct Path {
+  std::array<Step, longestPath + 1> steps;  // and an end
+  bool hasSource = false;
+  bool hasInterface = false;
+  bool hasQueue = false;
+};
+
+/// By rule.
 constexpr auto paths = [] {
   std::array<Path, std::size(rules)> split{};
   for (std::size_t rule = 0; rule < split.size(); ++rule) {
+    Path& path = split[rule];
     std::string_view rest = rules[rule].path;
     for (std::size_t depth = 0; !rest.empty(); ++depth) {
       const std::size_t size = std::min(rest.find('/'), rest.size());
-      split[rule][depth] = rest.substr(0, size);
+      const Step step = stepOf(rest.substr(0, size));
+      path.steps[depth] = step;
+      path.hasSource |= step.kind == Step::Kind::source;
+      path.hasInterface |= step.kind == Step::Kind::interface;
+      path.hasQueue |= step.kind == Step::Kind::queue;
       rest.remove_prefix(std::min(size + 1, rest.size()));
     }
   }
   return split;
 }();
-
-bool matches(std::string_view step, std::string_view key) {
-  return step == key || step.starts_with('{');
-}
 
 }  // namespace
 
@@ -63,7 +89,7 @@ void LossReader::read(std::string_view command, JsonReader& answer) {
   for (std::size_t rule = 0; rule < std::size(rules); ++rule) {
     if (rules[rule].command == command) active |= Rules{1} << rule;
   }
-  sources_.clear();
+  answer_ = ++collection_;
   walk(answer.root(), active, 0);
   answer.finish();
 }
@@ -73,16 +99,17 @@ void LossReader::walk(JsonValue object, Rules active, std::size_t depth) {
     Rules matching = 0;
     for (Rules rest = active; rest != 0; rest &= rest - 1) {
       const auto rule = static_cast<std::size_t>(std::countr_zero(rest));
-      if (matches(paths[rule][depth], in.key())) matching |= rest & -rest;
+      if (paths[rule].steps[depth].matches(in.key())) matching |= rest & -rest;
     }
     if (matching == 0) continue;
-    // Rules that have come the same way have the same name in braces next.
+    // Rules that have come the same way have the same kind of name next.
     const auto first = static_cast<std::size_t>(std::countr_zero(matching));
-    if (!capture(paths[first][depth], first, in.key())) continue;
-    if (paths[first][depth + 1].empty()) {
+    if (!note(in.key(), first, depth)) continue;
+    const Step::Kind next = paths[first].steps[depth + 1].kind;
+    if (next == Step::Kind::end) {
       addRow(in.value(), first);
     } else {
-      if (paths[first][depth + 1] == "{interface}") ++walk_;
+      if (next == Step::Kind::interface) ++collection_;
       walk(in.value(), matching, depth + 1);
     }
   }
@@ -90,27 +117,30 @@ void LossReader::walk(JsonValue object, Rules active, std::size_t depth) {
 
 /// Notes a name of the row; false when what is under it is not wanted. A name that is there again may bring
 /// rows that are there already.
-bool LossReader::capture(std::string_view step, std::size_t rule, std::string_view key) {
-  if (step == "{queue}") {
+bool LossReader::note(std::string_view key, std::size_t rule, std::size_t depth) {
+  const Step::Kind kind = paths[rule].steps[depth].kind;
+  if (kind == Step::Kind::queue) {
     queue_ = key;
-  } else if (step == "{source}") {
+  } else if (kind == Step::Kind::source) {
     source_ = losses_.name(key);
-    if (!sources_.insert(source_).second) losses_.expectScattered();
-  } else if (step == "{interface}") {
+    if (std::exchange(seen(source_).asSource, answer_) == answer_) losses_.expectScattered();
+  } else if (kind == Step::Kind::interface) {
     interface_ = losses_.name(key);
-    Seen& seen = interfaces_[interface_];
-    if (seen.walk == walk_) losses_.expectScattered();
-    seen.walk = walk_;
-    if (rule == ingressRule) seen.inIngress = true;
-    return rule != lagRule || !seen.inIngress;
+    Seen& known = seen(interface_);
+    if (std::exchange(known.asInterface, collection_) == collection_) losses_.expectScattered();
+    if (rule == ingressRule) known.inIngress = true;
+    return rule != lagRule || !known.inIngress;
   }
   return true;
 }
 
+LossReader::Seen& LossReader::seen(LossName name) {
+  const auto number = static_cast<std::size_t>(name);
+  if (number >= seen_.size()) seen_.resize(number + 1);
+  return seen_[number];
+}
+
 void LossReader::addRow(JsonValue counts, std::size_t rule) {
-  const auto has = [&](std::string_view name) {
-    return rules[rule].path.find(name) != std::string_view::npos;
-  };
   Loss loss{.kind = rules[rule].kind};
   const std::string_view names[] = {rules[rule].packets, "droppedBytes"};
   U64 numbers[] = {0, 0};
@@ -118,11 +148,12 @@ void LossReader::addRow(JsonValue counts, std::size_t rule) {
   loss.packets = numbers[0];
   loss.octets = numbers[1];
   if (loss.packets == 0 && loss.octets == 0) return;
-  if (has("{interface}")) loss.interface = interface_;
-  if (has("{source}")) loss.source = source_;
-  if (has("{queue}") && !queue_.empty()) loss.queue = losses_.name(queue_);
+  const Path& path = paths[rule];
+  if (path.hasInterface) loss.interface = interface_;
+  if (path.hasSource) loss.source = source_;
+  if (path.hasQueue && !queue_.empty()) loss.queue = losses_.name(queue_);
   // The totals of policers are queues without a name.
-  if (loss.kind == LossKind::cpuVoq && loss.queue == nullptr) loss.kind = LossKind::cpuPolicer;
+  if (loss.kind == LossKind::cpuVoq && loss.queue == LossName::none) loss.kind = LossKind::cpuPolicer;
   losses_.add(loss);
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
+#include <vector>
 
 #include "loamshow/json/JsonReader.h"
 #include "loamshow/now/Losses.h"
@@ -22,23 +21,27 @@ class LossReader {
   using Rules = U32;  // a bit for each of them
 
   void walk(JsonValue object, Rules active, std::size_t depth);
-  bool capture(std::string_view step, std::size_t rule, std::string_view key);
+  bool note(std::string_view key, std::size_t rule, std::size_t depth);
   void addRow(JsonValue counts, std::size_t rule);
 
   Losses& losses_;
   // The names on the way to the counts that are being read.
-  const std::string* interface_ = nullptr;
-  const std::string* source_ = nullptr;
+  LossName interface_ = LossName::none;
+  LossName source_ = LossName::none;
   std::string_view queue_;
 
-  /// What has been seen of an interface.
+  /// Where a name has been seen last, as a source and as an interface.
   struct Seen {
-    U64 walk = 0;
+    U32 asSource = 0;     // the answer
+    U32 asInterface = 0;  // the collection
     bool inIngress = false;
   };
-  std::unordered_map<const std::string*, Seen> interfaces_;
-  std::unordered_set<const std::string*> sources_;  // of the answer that is being read
-  U64 walk_ = 0;                                    // counts the collections of interfaces
+  Seen& seen(LossName name);
+
+  std::vector<Seen> seen_;  // by name
+  // Answers and collections of interfaces are numbered together, from 1.
+  U32 answer_ = 0;
+  U32 collection_ = 0;
 };
 
 }  // namespace loamshow

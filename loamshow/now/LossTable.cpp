@@ -118,16 +118,19 @@ class Table {
   }
   void row(const Loss& loss) const {
     std::string place(nameOf(loss.kind).text);
-    if (loss.source != nullptr) {
-      place += ' ' + *loss.source;
+    if (loss.source != LossName::none) {
+      place += ' ' + losses_.text(loss.source);
     } else if (loss.kind == LossKind::voq) {
       place += " all chips";
     }
     Line line;
-    line.left(0, loss.interface == nullptr ? "-" : Nexo::IntfId(*loss.interface).shortName().view());
-    if (loss.queue != nullptr) line.left(Columns::queue, *loss.queue);
+    line.left(0, loss.interface == LossName::none
+                     ? "-"
+                     : Nexo::IntfId(losses_.text(loss.interface)).shortName().view());
+    line.left(Columns::queue, losses_.text(loss.queue));
     // Without a queue, a long place begins in that column.
-    const bool beginsEarly = loss.queue == nullptr && Columns::place + place.size() > Columns::placeEnd;
+    const bool beginsEarly =
+        loss.queue == LossName::none && Columns::place + place.size() > Columns::placeEnd;
     line.left(beginsEarly ? Columns::queue : Columns::place, place);
     counts(line, loss.packets, loss.octets, countsOctets(loss.kind), percentage(losses_.share(loss)));
     sink_(line.ended());
@@ -163,8 +166,8 @@ void writeLossJson(const LossTitle& title, const Losses& losses, std::size_t mos
   out.member("droppedBytes", losses.octets());
   out.key("losses");
   out.beginArray();
-  const auto optional = [&](const char* key, const std::string* name) {
-    if (name != nullptr) out.member(key, std::string_view(*name));
+  const auto optional = [&](const char* key, LossName name) {
+    if (name != LossName::none) out.member(key, std::string_view(losses.text(name)));
   };
   for (const Loss* const loss : losses.worst(most)) {
     out.beginObject();

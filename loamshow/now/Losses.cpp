@@ -1,7 +1,6 @@
 #include "loamshow/now/Losses.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace loamshow {
 
@@ -24,15 +23,26 @@ int rankOf(LossKind kind) {
 std::size_t Loss::hash() const noexcept {
   constexpr U64 factor = 0x9e3779b97f4a7c15;
   U64 hash = static_cast<U64>(kind);
-  for (const std::string* const name : {interface, queue, source}) {
-    hash = (hash ^ std::bit_cast<std::uintptr_t>(name)) * factor;
+  for (const LossName name : {interface, queue, source}) {
+    hash = (hash ^ static_cast<U64>(name)) * factor;
   }
   return (((hash ^ packets) * factor) ^ octets) * factor >> 32U;
 }
 
-const std::string* Losses::name(std::string_view name) {
-  const auto found = names_.find(name);
-  return found != names_.end() ? &*found : &*names_.emplace(name).first;
+Losses::Losses(bool byOctets) : byOctets_(byOctets) {
+  constexpr std::size_t rowsOfALargeSwitch = std::size_t{1} << 19U;
+  rows_.reserve(rowsOfALargeSwitch);  // they are not moved while they grow; memory is used as they come
+}
+
+LossName Losses::name(std::string_view text) {
+  const std::size_t slot =
+      (text.size() + (text.empty() ? 0U : static_cast<U8>(text.back()))) % recent_.size();
+  LossName& recent = recent_[slot];
+  if (recent != LossName::none && this->text(recent) == text) return recent;
+  const auto found = names_.find(text);
+  if (found != names_.end()) return recent = found->second;
+  recent = static_cast<LossName>(texts_.size());
+  return names_[texts_.emplace_back(text)] = recent;
 }
 
 bool Losses::hasNearby(const Loss& loss) const {

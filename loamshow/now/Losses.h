@@ -1,9 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <array>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -30,14 +32,17 @@ constexpr bool countsOctets(LossKind kind) {
   return kind != LossKind::acl && kind != LossKind::mtu;
 }
 
-/// What one queue or counter dropped. Names are null where there is none.
+/// A name in the rows, by its number in their store.
+enum class LossName : U32 { none };
+
+/// What one queue or counter dropped.
 struct Loss {
-  LossKind kind = LossKind::voq;
-  const std::string* interface = nullptr;  // its long name; of a CPU queue or policer, the CoPP class
-  const std::string* queue = nullptr;
-  const std::string* source = nullptr;  // FAP or FAP core
   U64 packets = 0;
-  U64 octets = 0;  // 0 where the kind does not count them
+  U64 octets = 0;                       // 0 where the kind does not count them
+  LossName interface = LossName::none;  // its long name; of a CPU queue or policer, the CoPP class
+  LossName queue = LossName::none;
+  LossName source = LossName::none;  // FAP or FAP core
+  LossKind kind = LossKind::voq;
 
   bool operator==(const Loss&) const = default;
   std::size_t hash() const noexcept;
@@ -47,10 +52,12 @@ struct Loss {
 class Losses {
  public:
   /// Rows are ranked by dropped packets or by dropped octets; rows without any are left out.
-  explicit Losses(bool byOctets) : byOctets_(byOctets) {}
+  explicit Losses(bool byOctets);
 
-  /// The store's copy of a name: the same one for equal names, valid as long as this object.
-  const std::string* name(std::string_view name);
+  /// The number of a name: the same one for equal names, counted from 1.
+  LossName name(std::string_view text);
+  /// The name of a number; empty for none.
+  const std::string& text(LossName name) const { return texts_[static_cast<std::size_t>(name)]; }
   /// Adds a row, unless it is left out or an equal one is there. The rows of one kind, interface and source
   /// follow each other, unless expectScattered() has been called.
   void add(const Loss& loss);
@@ -69,15 +76,13 @@ class Losses {
   double share(const Loss& loss) const;
 
  private:
-  struct Hash : std::hash<std::string_view> {
-    using is_transparent = void;
-  };
-
   bool hasNearby(const Loss& loss) const;
   U64 amount(const Loss& loss) const { return byOctets_ ? loss.octets : loss.packets; }
 
   bool byOctets_;
-  std::unordered_set<std::string, Hash, std::equal_to<>> names_;
+  std::deque<std::string> texts_ = {""};  // by number
+  std::unordered_map<std::string_view, LossName> names_;
+  std::array<LossName, 64> recent_{};  // names that come again and again, such as those of queues
   std::vector<Loss> rows_;
   std::optional<std::unordered_set<Loss, Vane::Hash>>
       scattered_;  // the same, where equal ones may come anywhere

@@ -15,7 +15,6 @@
 #include "loamshow/now/Amounts.h"
 #include "loamshow/now/Answer.h"
 #include "loamshow/now/Frozen.h"
-#include "loamshow/now/MemoryFile.h"
 #include "loamshow/now/Screen.h"
 #include "platform/counteragent/RegionReader.h"
 #include "platform/tabula.h"
@@ -87,13 +86,13 @@ void repeat(const CommandLine& line, const Source& source, History history, U32 
       }
       const std::string heading = isText ? headingOf(shown) : "";
       if (isText && Screen::isAvailable(terminal)) {
-        MemoryFile file;
+        tabula::MemoryOutput output;
         pause.reset();
-        answer(line, shown, heading, file.fd());
+        answer(line, shown, heading, output.fd());
         pause.emplace();
         if (tabula::operationInterrupted()) return;
         if (!screen) screen.emplace(terminal);
-        screen->show(std::string(file.content()));
+        screen->show(std::string(output.text()));
       } else {
         pause.reset();
         answer(line, shown, heading, fd);

@@ -7,7 +7,6 @@
 #include "loamshow/commands/ShowCommands.h"
 #include "loamshow/now/LossReader.h"
 #include "loamshow/now/LossTable.h"
-#include "loamshow/now/MemoryFile.h"
 #include "platform/tabula.h"
 
 namespace loamshow {
@@ -32,14 +31,13 @@ void showTop(const CommandLine& line, const Shown& shown, std::string_view headi
   LossReader reader(losses);
   CommandLine question = line;
   question.format = tabula::formatJson;
-  MemoryFile file;
+  tabula::MemoryOutput output;
   for (const char* const command : commandsFor(line)) {
     question.command = command;
-    file.clear();
-    runShowCommand(question, shown.state, file.fd());
+    output.clear();
+    runShowCommand(question, shown.state, output.fd());
     if (tabula::operationInterrupted()) return;
-    JsonReader answer("the answer of " + question.command,
-                      JsonText::inPlace(file.content(JsonText::padding)));
+    JsonReader answer("the answer of " + question.command, JsonText::inPlace(output.text(JsonText::padding)));
     reader.read(command, answer);
   }
   const auto write = [&](const Sink& sink) {

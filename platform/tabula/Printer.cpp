@@ -11,7 +11,7 @@
 namespace tabula {
 
 Printer::Printer(int fd, U32 format, bool, bool, bool, U32)
-    : Renderer(format), fd_(fd), exceptions_(std::uncaught_exceptions()) {
+    : Renderer(format), fd_(fd), memory_(MemoryOutput::find(fd)), exceptions_(std::uncaught_exceptions()) {
 }
 
 Printer::~Printer() {
@@ -32,6 +32,10 @@ void Printer::close() {
 }
 
 void Printer::take(std::string_view bytes) {
+  if (memory_ != nullptr) {
+    memory_->append(bytes);
+    return;
+  }
   while (!bytes.empty()) {
     checkInterrupt();
     const ssize_t written = ::write(fd_, bytes.data(), bytes.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/tabula/MemoryOutput.h"
 #include "platform/tabula/Renderer.h"
 
 namespace tabula {
@@ -27,6 +28,7 @@ class Printer : public Renderer {
   void awaitWritable() const;
 
   const int fd_;
+  MemoryOutput* const memory_;  // of that descriptor, if it is one
   const int exceptions_;  // in flight when this Printer was made
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Attribute descriptors: the values of a row, with their JSON keys.
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -12,23 +14,23 @@ namespace tabula {
 
 class Renderer;
 
-/// What a value becomes: the `format` of an answer.
+/// Output formats: the `format` argument of a show operation.
 inline constexpr U32 formatText = 1;
 inline constexpr U32 formatJson = 2;
 
-/// A text appended as the inside of a JSON string: quotes, backslashes and control bytes escaped, bytes that
-/// are not UTF-8 replaced by U+FFFD.
+/// Appends a text as the content of a JSON string: escapes quotes, backslashes and control bytes, and
+/// replaces bytes that are not UTF-8 by U+FFFD.
 void appendEscaped(std::string& out, std::string_view text);
 
-/// Base of the attribute descriptors: a value that appears in JSON under a key. A descriptor may serve many
-/// rows, its value set anew for each.
+/// Base of the attribute descriptors: a value that appears in JSON under a key. A descriptor may be used for
+/// many rows, with a new value for each.
 class AttrInfo {
  public:
   AttrInfo(const AttrInfo&) = delete;
   AttrInfo& operator=(const AttrInfo&) = delete;
 
-  /// The key as it stands in a JSON answer after another member, with comma, quotes and colon. As many bytes
-  /// as writeSlack may be read past its end.
+  /// The key as written in JSON after another member, with comma, quotes and colon. Up to writeSlack bytes
+  /// past its end are readable.
   std::string_view jsonKey() const noexcept { return {jsonKey_.data(), jsonKey_.size() - writeSlack}; }
 
  protected:
@@ -36,7 +38,7 @@ class AttrInfo {
   ~AttrInfo() = default;
 
   void valueSet() noexcept { hasValue_ = true; }
-  /// Fatal without a value, or in an unknown format.
+  /// Aborts if there is no value, or the format is unknown.
   void checkValue() const {
     const bool hasValue = hasValue_ && knownFormat_;
     VANE_ASSERT(hasValue);
@@ -48,7 +50,7 @@ class AttrInfo {
   bool hasValue_ = false;
 };
 
-/// What getArg() gives: the value in text, the value under its key in JSON.
+/// The result of getArg(): the value in text, the value under its key in JSON.
 struct NumberArg : Arg {
   static constexpr Kind onlyKind = Kind::unsignedNumber;
   NumberArg(U64 number, const AttrInfo* attr) : Arg(number, attr) {}
@@ -76,8 +78,8 @@ class Attr64Info : public AttrInfo {
   U64 value_ = 0;
 };
 
-/// A descriptor of one machine word: a number, or in a StringAttrInfo a text. A dictionary entry's key is
-/// one.
+/// A descriptor of one machine word: a number, or a text in a StringAttrInfo. Keys of dictionary entries have
+/// this type.
 class Attr32Info : public AttrInfo {
  public:
   Attr32Info(std::string_view key, const Renderer& renderer) : AttrInfo(key, renderer) {}
@@ -86,9 +88,9 @@ class Attr32Info : public AttrInfo {
     word_ = Arg(value, this);
     valueSet();
   }
-  /// Fatal when the value is a text, which is to be read from the StringAttrInfo that it was set in.
+  /// Aborts if the value is a text: read that from the StringAttrInfo in which it was set.
   NumberArg getArg() const { return {word(Arg::Kind::unsignedNumber).number(), this}; }
-  /// The value, whichever it is.
+  /// The value, a number or a text.
   const Arg& word() const {
     checkValue();
     return word_;

@@ -1,8 +1,8 @@
 #pragma once
 
-// Numbers as decimal digits, several digits in one register. Where this stands, the time of an answer is
-// spent: a row is four counts of up to 20 digits, and nothing that depends on a count's size is branched on,
-// since the counts of a switch follow no order that a processor could predict.
+// Converts numbers to decimal digits, several digits in one register. Most of the time of a show command is
+// spent here: a row has four counts of up to 20 digits. There are no branches on the size of a count, because
+// the sizes of successive counts are not predictable.
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -18,7 +18,7 @@ namespace tabula {
 
 inline constexpr std::size_t mostDigits = 20;  // of an unsigned 64-bit number
 
-/// The functions below may write this many bytes past the end of what they say; only what they say counts.
+/// The functions below may write up to this many bytes beyond the end of their result.
 inline constexpr std::size_t writeSlack = 16;
 
 namespace detail {
@@ -37,15 +37,15 @@ inline constexpr auto powersOfTen = [] {
   return powers;
 }();
 
-/// Sixteen digits, a byte of 0 to 9 each: eight in a word, the first in its lowest byte.
+/// Sixteen digits, one byte of 0 to 9 each: eight per word, the first in the lowest byte.
 struct SixteenDigits {
   U64 high;
   U64 low;
 };
 
-/// The digits of a number below 10^16. It is cut into fours and those into pairs and single digits, all of
-/// them side by side. The quotients by 100 and 10 are multiplications by rounded-up reciprocals, exact below
-/// 10,000 and 100.
+/// The digits of a number below 10^16. It is split into groups of four digits, those into pairs, and those
+/// into digits, with all groups processed in parallel. Divisions by 100 and 10 are multiplications by
+/// rounded-up reciprocals, exact below 10,000 and 100.
 inline U64 eightDigits(U64 number) noexcept {
   const U64 fours = (number / 10'000) | ((number % 10'000) << 32U);
   const U64 hundreds = ((fours * 10'486) >> 20U) & 0x0000007f'0000007f;
@@ -57,9 +57,9 @@ inline SixteenDigits sixteenDigitsInWords(U64 number) noexcept {
   return {eightDigits(number / tenTo8), eightDigits(number % tenTo8)};
 }
 
-/// The same with all sixteen side by side, where the processor has registers of that width.
+/// The same for all sixteen digits in parallel, if the processor has registers of that width.
 #ifdef __SSE2__
-// NOLINTBEGIN(portability-simd-intrinsics): the plain version is above
+// NOLINTBEGIN(portability-simd-intrinsics): the portable version is above
 inline SixteenDigits sixteenDigits(U64 number) noexcept {
   const U32 high = static_cast<U32>(number / tenTo8);
   const U32 low = static_cast<U32>(number % tenTo8);
@@ -106,8 +106,8 @@ inline unsigned digitCount(U64 number) noexcept {
 inline void writeSixteenWide(char* at, U64 number) noexcept {
   using namespace detail;
   const SixteenDigits digits = sixteenDigits(number);
-  // A blank is 0x20 and a digit 0x30 more than its value: the 0x10 between them stands from the first digit
-  // on, which is in the high word or, when that is 0, in the low one.
+  // A blank is 0x20, a digit is 0x30 plus its value. The difference of 0x10 is added from the first digit on,
+  // which is in the high word or, if that is 0, in the low word.
   constexpr U64 digitBits = 0x10 * eachByte;
   const U64 inHigh = digits.high != 0 ? 1 : 0;
   const U64 highBits = (digitBits << leadingZeroBits(digits.high)) & (U64{0} - inHigh);
@@ -128,18 +128,18 @@ inline char* writeNumber(char* at, U64 number) noexcept {
   }
   const SixteenDigits digits = sixteenDigits(number);
   const U64 inHigh = digits.high != 0 ? 1 : 0;
-  // The word of the first digit, and the one behind it: as one number of 128 bits they lose their zeros at
-  // the low end.
+  // The word of the first digit, and the next one. The leading zeros, which are in the low bytes, are shifted
+  // out of the two words as of one 128-bit number.
   const U64 first = digits.high | (digits.low & (inHigh - 1));
   const U64 second = digits.low;
   const unsigned zeroBits = leadingZeroBits(first);
-  const U64 carried = (second << 8U) << (56U - zeroBits);  // in two steps, for there may be no zeros
+  const U64 carried = (second << 8U) << (56U - zeroBits);  // in two steps, because zeroBits may be 0
   storeEight(at, ((first >> zeroBits) | carried) + '0' * eachByte);
   storeEight(at + 8, (second >> zeroBits) + '0' * eachByte);
   return at + 8 * (1 + inHigh) - zeroBits / 8;
 }
 
-/// Copies a text, mostly a short one: inline up to 32 bytes. Reads no byte that is not the text's.
+/// Copies a text, inline up to 32 bytes. Reads no byte outside the text.
 inline void copyShort(char* to, const char* from, std::size_t size) noexcept {
   if (size > 32) {
     std::memcpy(to, from, size);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The printf engine. A format is parsed at compile time into pieces; one function writes a piece. All but the
-// arguments is constant where that function is inlined, which leaves a few stores for a column.
+// The printf engine. A format is parsed at compile time into pieces; one function writes a piece. Where it is
+// inlined, everything but the arguments is constant, which leaves a few stores per column.
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ namespace tabula {
 
 class AttrInfo;
 
-/// One argument of addFrills or addArgs, with the descriptor it came from, if any. Holds no copy of a text.
+/// One argument of addFrills or addArgs, with its descriptor, if any. Does not copy texts.
 class Arg {
  public:
   enum class Kind : U8 { text, unsignedNumber, signedNumber };
@@ -55,7 +55,7 @@ class Arg {
   Kind kind_;
 };
 
-/// A type whose values all make arguments of one kind. A bare Arg shows its kind at run time only.
+/// A type whose values all become arguments of one kind. The kind of an Arg is known at run time only.
 template <class T>
 concept Argument = std::constructible_from<Arg, const T&> &&
     (std::integral<T> || std::convertible_to<const T&, std::string_view> || requires { T::onlyKind; });
@@ -71,14 +71,14 @@ consteval Arg::Kind kindOf() {
   }
 }
 
-/// Literal text of a format, and the conversion after it, if any.
+/// Literal text of a format, and the conversion that follows it, if any.
 struct Piece {
   U32 begin = 0;  // of the literal, in the format
   U32 size = 0;
   char conversion = 0;        // 's', 'u', 'd', or 0 for none
   bool left = false;          // flag "-"
   bool widthIsArg = false;    // "*": the width comes from an unsigned argument before the value
-  bool hasPrecision = false;  // texts only: the most bytes of it that are written
+  bool hasPrecision = false;  // texts only: limits the number of bytes
   U32 width = 0;
   U32 precision = 0;
 
@@ -87,8 +87,8 @@ struct Piece {
 
 namespace detail {
 
-// Takes a piece off the front of the format, from `at` on. Formats are the library's own: anything but
-// %[-][width|*][.precision]{s|u|d|hu|lu|llu} and %% is a mistake in the code, and does not compile.
+// Parses the piece of the format at `at`. Formats are literals in the code: anything but
+// %[-][width|*][.precision]{s|u|d|hu|lu|llu} and %% is an error, and does not compile.
 constexpr Piece takePiece(std::string_view format, std::size_t& at) {
   Piece piece;
   const auto number = [&] {
@@ -110,7 +110,8 @@ constexpr Piece takePiece(std::string_view format, std::size_t& at) {
   if (at == format.size()) return piece;
   ++at;
   if (at < format.size() && format[at] == '%') {
-    // "%%": the literal takes its first character, so that it can stay one run of the format.
+    // "%%": the literal ends with the first of the two characters, so that it is a contiguous part of the
+    // format.
     ++piece.size;
     ++at;
     return piece;
@@ -154,7 +155,7 @@ constexpr bool takes(char conversion, Arg::Kind kind) {
 
 }  // namespace detail
 
-/// A text as a template argument.
+/// A string literal as a template argument.
 template <std::size_t N>
 struct FixedString {
   std::array<char, N> text{};
@@ -163,7 +164,7 @@ struct FixedString {
   constexpr std::string_view view() const { return {text.data(), N - 1}; }
 };
 
-/// A literal format, parsed.
+/// A parsed format.
 template <FixedString format>
 struct Layout {
   static constexpr std::string_view text = format.view();
@@ -202,12 +203,12 @@ consteval bool fits() {
 
 }  // namespace detail
 
-/// A format that takes exactly these arguments, each of the type that its conversion or width asks for.
+/// A format that takes exactly these arguments, each of the type that its conversion or width requires.
 template <FixedString format, class... Args>
 concept FormatOf =
     (Argument<std::decay_t<Args>> && ...) && detail::fits<Layout<format>, std::decay_t<Args>...>();
 
-/// The width of a piece's column, and the bytes of its value that are written into it.
+/// The width of a piece's column, and the number of bytes of its value that are written.
 constexpr std::size_t columnWidth(const Piece& piece, const Arg* args) {
   return piece.widthIsArg ? args[0].number() : piece.width;
 }
@@ -215,7 +216,7 @@ constexpr std::string_view columnText(const Piece& piece, const Arg& value) {
   return piece.hasPrecision ? value.text().substr(0, piece.precision) : value.text();
 }
 
-/// The most bytes that a piece can take.
+/// The maximal number of bytes of a piece.
 constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   if (piece.conversion == 0) return piece.size;
   const std::size_t value =
@@ -237,7 +238,7 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   const std::size_t column = std::max(width, size);
   writeBlanks(at, width);
   char* digits = left ? at : at + column - size;
-  // By way of a copy: the digits are stored more at a time than a narrow column may have room for.
+  // The digits go to a copy first: one store may write more bytes than a narrow column has.
   std::array<char, mostDigits + writeSlack> text;
   writeNumber(text.data(), number);
   if (negative) *digits++ = '-';
@@ -245,15 +246,14 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   return at + column;
 }
 
-/// Writes a piece; `at` has room for its bound and the slack. Returns the end of what was written.
+/// Writes a piece; `at` has room for pieceBound() and writeSlack bytes. Returns the end of the piece.
 [[gnu::always_inline]] inline char* writePiece(char* at, std::string_view format, const Piece& piece,
                                                const Arg* args) {
   if (piece.size > 0) std::memcpy(at, format.data() + piece.begin, piece.size);
   at += piece.size;
   if (piece.conversion == 0) return at;
 
-  // The column is blanked as a whole and the value written over it: a few wide stores, without a loop over
-  // blanks.
+  // Fills the column with blanks and writes the value over them: a few wide stores, and no loop over blanks.
   const std::size_t width = columnWidth(piece, args);
   const Arg& value = args[piece.widthIsArg ? 1 : 0];
   if (piece.conversion != 's') return writeNumberColumn(at, piece.left, width, value);

@@ -12,7 +12,7 @@ namespace tabula {
 
 namespace {
 
-// Of the operation that this thread ran last.
+// Whether the operation that this thread ran last was interrupted.
 thread_local bool interrupted = false;
 
 bool writable(int fd, int milliseconds) {
@@ -20,8 +20,8 @@ bool writable(int fd, int milliseconds) {
   return ::poll(&request, 1, milliseconds) > 0;
 }
 
-// A command is mostly interrupted because its reader has stopped: the pipe is then full. One more page in the
-// pipe takes the line without anybody having to read first.
+// Most interrupted commands have a reader that has stopped, so the pipe is full. A pipe that is one page
+// larger takes the line even if nobody reads.
 void widenPipe(int fd) {
   const int capacity = ::fcntl(fd, F_GETPIPE_SZ);
   if (capacity > 0) ::fcntl(fd, F_SETPIPE_SZ, capacity + 1);

@@ -19,7 +19,7 @@ Printer::~Printer() {
   try {
     flushBuffer();
   } catch (const SigIntException&) {
-    interrupt();  // it cannot be raised here, and stays pending for whoever looks next
+    interrupt();  // cannot be thrown here, so it stays pending
   } catch (const std::exception& failure) {
     if (!endsEarly) std::fprintf(stderr, "%s\n", failure.what());
   }

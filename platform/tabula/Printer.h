@@ -1,24 +1,26 @@
 #pragma once
 
+// The Printer: output of a show operation to a file descriptor.
+
 #include "platform/tabula/MemoryOutput.h"
 #include "platform/tabula/Renderer.h"
 
 namespace tabula {
 
-/// The one output object of a show operation: renders an answer to a file descriptor. Writes are carried on
-/// with after partial writes, EINTR and EAGAIN; any other failure raises std::system_error, once, and the
-/// Printer then writes nothing more. An interrupt is noticed inside a blocked write, too.
+/// The only output object of a show operation: renders its output to a file descriptor. Partial writes, EINTR
+/// and EAGAIN are retried; any other failure throws std::system_error once, and the Printer writes nothing
+/// more. Blocked writes are interruptible.
 class Printer : public Renderer {
  public:
-  /// `format` is 1 for text, 2 for JSON. The descriptor stays the caller's. The other four say nothing here.
+  /// `format` is 1 for text, 2 for JSON. The caller keeps ownership of the descriptor. The other four
+  /// parameters have no effect.
   Printer(int fd, U32 format, bool, bool, bool, U32);
-  /// Writes what is still buffered and raises nothing: a failed write is reported on standard error, unless
-  /// an exception that ends the operation already tells of a failure; an interrupt stays pending. An
-  /// operation that is to raise them calls close() first.
+  /// Writes what is still buffered and does not throw: a failed write is reported on standard error, unless
+  /// the operation ends with an exception anyway; an interrupt stays pending. Call close() first to get
+  /// exceptions.
   ~Printer() override;
 
-  /// Writes what is still buffered. The answer is whole, and nobody has interrupted it, when this has
-  /// returned.
+  /// Writes what is still buffered. If this returns, the output is complete and was not interrupted.
   void close();
 
  protected:
@@ -29,7 +31,7 @@ class Printer : public Renderer {
 
   const int fd_;
   MemoryOutput* const memory_;  // of that descriptor, if it is one
-  const int exceptions_;  // in flight when this Printer was made
+  const int exceptions_;        // number of uncaught exceptions at construction
 };
 
 }  // namespace tabula

@@ -4,8 +4,8 @@ namespace tabula {
 
 namespace {
 
-/// Not 0 when one of eight bytes cannot stand in a JSON string as it is: only printable ASCII without quotes
-/// and backslashes can.
+/// Not 0 if one of eight bytes needs escaping or checking in a JSON string: anything but printable ASCII
+/// without quotes and backslashes.
 U64 specialBytes(U64 word) {
   constexpr U64 ones = detail::eachByte;
   const auto zeroByte = [](U64 bytes) { return (bytes - ones) & ~bytes; };
@@ -21,8 +21,7 @@ U64 loadWord(const char* at) {
   return word;
 }
 
-/// Whether a text stands in a JSON string as it is. Looks at some bytes twice rather than at any beyond the
-/// text.
+/// Whether a text needs no escaping in a JSON string. Reads some bytes twice, but none outside the text.
 bool isPlain(const char* text, std::size_t size) {
   const auto byte = [&](std::size_t i) { return U64{static_cast<unsigned char>(text[i])}; };
   if (size >= 8) {
@@ -38,8 +37,8 @@ bool isPlain(const char* text, std::size_t size) {
   return specialBytes(byte(0) | (byte(size / 2) << 8U) | (byte(size - 1) << 16U) | blanksAbove) == 0;
 }
 
-/// Writes a member's key, 16 bytes at a time. The key begins with a comma, which the first member does
-/// without.
+/// Writes a member's key, 16 bytes at a time. The key begins with a comma, which is left out for the first
+/// member.
 char* writeKey(char* at, const AttrInfo& attr, bool separate) {
   const std::string_view key = attr.jsonKey().substr(separate ? 0 : 1);
   for (std::size_t done = 0; done < key.size(); done += writeSlack) {
@@ -145,9 +144,10 @@ void Renderer::addNumbers(std::span<const NumberMember> members) {
   std::size_t bound = 0;
   for (const NumberMember& member : members) bound += member.attr->jsonKey().size() + mostDigits;
   ensureRoom(bound);
-  const bool fits = bound <= room();  // keys of more than a buffer's size are nobody's
+  const bool fits = bound <= room();  // no key is longer than the buffer
   VANE_ASSERT(fits);
-  // Neither the cursor nor the flag is left to the object here: a store of a character could change them.
+  // Local copies of cursor and flag: the compiler must assume that a store of a character changes the
+  // members.
   char* at = at_;
   bool separate = separate_;
   for (const NumberMember& member : members) {

@@ -1,5 +1,7 @@
 #pragma once
 
+// The renderer: text or JSON from one sequence of calls, in a buffer.
+
 #include <array>
 #include <memory>
 #include <span>
@@ -14,15 +16,15 @@
 
 namespace tabula {
 
-/// Renders one answer into a buffer of fixed size: the table in text, the model in JSON, from the same calls.
-/// The JSON calls nest strictly; a breach (an entry outside a dictionary, a scope closed out of order, a
-/// value outside an object) is a fatal assertion. In text they write nothing. Every call may raise
-/// SigIntException.
+/// Renders the output of one operation into a buffer of fixed size: the table in text, the model in JSON,
+/// from the same calls. The JSON calls nest strictly; a violation (an entry outside a dictionary, a scope
+/// closed out of order, a value outside an object) is a fatal assertion. In text they write nothing. Every
+/// call may throw SigIntException.
 class Renderer : public Mote::Node {
  public:
   ~Renderer() override;
 
-  /// Opens and completes the model of the answer.
+  /// Begins and ends the JSON model.
   void start();
   void end();
   /// An object under `name`.
@@ -67,12 +69,11 @@ class Renderer : public Mote::Node {
     }
   }
 
-  /// Hands on what has been buffered.
+  /// Passes the buffered output on.
   void ioflush();
 
-  /// Raises SigIntException when an interrupt is pending. What is buffered is dropped then: nobody waits for
-  /// it, and writing it could block for ever. For the steps of a walk that write nothing; every other call
-  /// does it, too.
+  /// Throws SigIntException if an interrupt is pending, and discards the buffered output, because writing it
+  /// could block forever. For the steps of a walk that write nothing; every other call does the same.
   void checkInterrupt() {
     if (interruptPending()) [[unlikely]] {
       throwInterrupt();
@@ -84,10 +85,10 @@ class Renderer : public Mote::Node {
  protected:
   explicit Renderer(U32 format);
 
-  /// Takes the buffered bytes of the answer, which are then gone from the buffer, whatever it raises.
+  /// Takes the buffered bytes, which are then removed from the buffer even if this throws.
   virtual void take(std::string_view bytes) = 0;
   void flushBuffer();
-  /// Fatal when a scope of the model is open.
+  /// Aborts if a scope of the model is open.
   void checkClosed() const;
 
  private:
@@ -117,16 +118,16 @@ class Renderer : public Mote::Node {
     return size;
   }
 
-  // Makes its own arguments: those of the caller then stay in registers.
+  // Creates its own arguments, so that those of the caller stay in registers.
   template <class L, class... Args>
   [[gnu::noinline, gnu::cold]] int writeLayoutAcross(const Args&... values) {
     const std::array<Arg, sizeof...(Args)> args{Arg(values)...};
     return writeAcross(L::text, L::pieces, args.data());
   }
 
-  /// Piece by piece, for what the buffer has no room for in one.
+  /// Writes piece by piece what does not fit into the buffer at once.
   int writeAcross(std::string_view format, std::span<const Piece> pieces, const Arg* args);
-  /// A piece wider than the whole buffer: its literal, its blanks and its value apart.
+  /// A piece wider than the whole buffer: writes its literal, its blanks and its value separately.
   std::size_t putWide(std::string_view format, const Piece& piece, const Arg* args);
 
   [[noreturn]] void throwInterrupt();
@@ -175,9 +176,9 @@ class Renderer : public Mote::Node {
 
   std::array<Scope, deepest> scopes_{};
   std::size_t depth_ = 0;
-  bool separate_ = false;  // the next member has one before it
+  bool separate_ = false;  // the next member needs a comma
   bool complete_ = false;
-  std::string escaped_;  // kept for its capacity
+  std::string escaped_;  // a member to keep its capacity
 };
 
 }  // namespace tabula

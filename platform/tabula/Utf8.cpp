@@ -2,9 +2,9 @@
 
 namespace tabula {
 
-// The first byte of a sequence gives its length and narrows the range of the second (no overlong forms, no
-// surrogates, nothing above U+10FFFF). Of a broken one, the longest part that could have begun a sequence
-// counts as one stretch.
+// The first byte of a sequence determines its length and limits the range of the second (no overlong forms,
+// no surrogates, nothing above U+10FFFF). Of an invalid sequence, the longest prefix of a valid one is
+// returned as one unit.
 Sequence takeSequence(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned lead = byte(0);

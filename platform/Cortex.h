@@ -7,7 +7,7 @@
 
 namespace Cortex {
 
-/// What is mounted where: nodes under the paths that their readers look them up by.
+/// Nodes, mounted under paths by which their readers find them.
 class EntityManager : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<EntityManager>;
@@ -17,7 +17,7 @@ class EntityManager : public Mote::Node {
   void mountIs(const Mote::String& path, Mote::Ptr<const Mote::Node> node) {
     mounts_.set(path, std::move(node));
   }
-  /// The node of a path as a T; null when nothing is mounted there, or something else.
+  /// The node at a path as a T; null if nothing, or another type, is mounted there.
   template <class T>
   Mote::Ptr<const T> mount(const Mote::String& path) const {
     return Mote::Ptr<const T>(dynamic_cast<const T*>(mounts_.get(path).get()));

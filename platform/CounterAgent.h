@@ -1,7 +1,7 @@
 #pragma once
 
-// The counter agent's client library: counter records, the tables that hold them, the accessors through which
-// the show commands read them, and what the agent knows of chips and interfaces.
+// The counter agent's client library: counter records, the tables that contain them, the accessors through
+// which the show commands read them, and properties of chips and interfaces.
 
 #include <string_view>
 
@@ -15,16 +15,16 @@
 
 namespace LoamCounters {
 
-/// Whether a FAP of that major revision runs its egress queues in queue mode, else in port mode.
+/// Whether a FAP of that major revision runs its egress queues in queue mode (true) or port mode (false).
 bool useEgqQueueMode(Hardware::Loam::FapRevMajor major);
 /// Whether the interface's ingress VOQ counters are in the LAG counter table.
 bool intfUsesLagIngressVoqCounterTable(Nexo::IntfId intf,
                                        const Hardware::Loam::InternalLagClientStatus::PtrConst& status);
-/// Whether a traffic class of a port channel's record stands for a shared pair.
+/// Whether a traffic class index of a port channel's record is a shared pair.
 bool isAmbiguousTcForLagCounters(U32 tc);
 bool isNonSubIntfPortChannelIntfId(Nexo::IntfId intf);
 
-/// What a FAP has of debug counters.
+/// The debug counters of a FAP.
 class FapDescriptor : public Mote::Node {
  public:
   using PtrConst = Mote::Ptr<const FapDescriptor>;

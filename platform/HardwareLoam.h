@@ -29,7 +29,7 @@ class LocalCoreId : public Vane::Identifier<LocalCoreId, U16, 0, 6> {
   using Identifier::Identifier;
 };
 
-/// The null FAP with this core asks a counter accessor for the sum over all FAPs and cores.
+/// Together with the null FAP, requests the sum over all FAPs and cores from a counter accessor.
 inline constexpr FapId nullFap{FapId::highest};
 inline constexpr LocalCoreId aggregateCore{5};
 
@@ -43,7 +43,7 @@ class SystemPhyPortId : public Vane::Identifier<SystemPhyPortId, U16, 2, 0x7fff>
 
 inline constexpr SystemPhyPortId nullPort{SystemPhyPortId::highest};
 
-/// A port in its chip's own numbering.
+/// A port in the numbering of its chip.
 class FapPortId : public Vane::Identifier<FapPortId, U16, 0, 256> {
  public:
   static constexpr std::string_view vaneName = "Hardware::Loam::FapPortId";
@@ -60,14 +60,14 @@ class VoqId : public Vane::Identifier<VoqId, U32, 0, 0xffffffff> {
 
   static VoqId fabricMcastVoqMinVal();
   static VoqId fabricMcastVoqMaxVal();
-  /// Set before commands run; 0 to 7 unless set. `max` is not below `min`.
+  /// Call before commands run. The default is 0 to 7. `max` must not be below `min`.
   static void fabricMcastVoqRangeIs(VoqId min, VoqId max);
 };
 
-/// The counter quads that one egress queue entry holds: one per destination type.
+/// The number of counter quads of one egress queue: one per destination type.
 U32 countersPerEntryForQueueEgress();
 
-/// Where a port sits.
+/// The chip and core of a port, and its number there.
 struct PortMap {
   FapPortId fapPortId{0};
   FapId fapId{0};
@@ -93,7 +93,7 @@ struct FapRevision {
   FapRevMajor major = 0;
 };
 
-/// The chips' status. Whoever fills it is its only writer; everyone else holds a PtrConst.
+/// The chips' status. It has one writer; all readers have a PtrConst.
 class Status : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<Status>;
@@ -118,7 +118,7 @@ class Status : public Mote::Node {
   U8 subIntfNumVoqs = 0;     // VOQs of a sub-interface
   U16 coppClassNumVoqs = 0;  // VOQs of one CoPP class on one core
 
-  /// Where the port sits; a port map of the null FAP for an unknown port.
+  /// The port's place; a port map with the null FAP for an unknown port.
   PortMap portMap(SystemPhyPortId port) const;
 };
 

@@ -36,7 +36,7 @@ Mote::String utcTimestampString(Vane::Seconds utc) {
   const sys_days day = floor<days>(time);
   const year_month_day date(day);
   const hh_mm_ss clock(time - day);
-  // By hand, since a debug report shows two or three times in every line.
+  // Formatted by hand for speed: a debug report has two or three times in every line.
   std::string text = "0000-00-00 00:00:00";
   const auto put = [&text](std::size_t at, auto value) {
     for (; value != 0; value /= 10) text[--at] = static_cast<char>('0' + value % 10);

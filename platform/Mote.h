@@ -28,7 +28,8 @@ struct TypeData;
 
 namespace Mote {
 
-/// A byte string. Comparison is by bytes; the case conversions touch ASCII letters only, whatever the locale.
+/// A byte string. Comparison is by bytes; case conversions change ASCII letters only, independent of the
+/// locale.
 class String {
  public:
   constexpr String() noexcept = default;
@@ -61,22 +62,22 @@ class String {
 template <class T>
 class Ptr;
 
-/// Base of everything held through Ptr: counts its handles and ends with the last one. The count changes
-/// atomically only while the process runs more than one thread. Nodes are created with Mote::make.
+/// Base of all classes held through Ptr: counts its handles and is destroyed with the last one. The count is
+/// changed atomically only if the process has more than one thread. Create nodes with Mote::make.
 class Node {
  public:
   Node(const Node&) = delete;
   Node& operator=(const Node&) = delete;
   virtual ~Node();
 
-  /// Called once, when the last handle is gone; destroys the node.
+  /// Called once, after the last handle is released; destroys the node.
   virtual void lastUserGone() const;
-  /// The node that announces changes of this one: itself, unless it is a part of another.
+  /// The node that announces changes of this one: itself, unless it is part of another node.
   virtual const Node* publisher() const;
   /// The type's registration, null for a type that is not registered.
   virtual const Vane::TypeData* typeData() const;
 
-  /// The number of handles at this moment.
+  /// The current number of handles.
   U32 users() const noexcept { return users_.load(std::memory_order_relaxed); }
 
  protected:
@@ -159,8 +160,8 @@ Ptr<T> make(Args&&... args) {
   return Ptr<T>(new T(std::forward<Args>(args)...));
 }
 
-/// First-in first-out queue in blocks. A block holds a power of two of items between 4 and 8192, chosen from
-/// the queue's length at the moment the block before it is full.
+/// A first-in first-out queue in blocks. The capacity of a block is a power of two from 4 to 8192, chosen
+/// from the length of the queue when the previous block is full.
 template <class T>
 class RQueue {
  public:
@@ -172,7 +173,7 @@ class RQueue {
     ++size_;
   }
 
-  /// Removes and returns the front item; a default-made item when the queue is empty.
+  /// Removes and returns the front item; a default-constructed item if the queue is empty.
   T deq() {
     if (empty()) return T();
     T item = std::move(blocks_.front()[head_]);

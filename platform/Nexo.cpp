@@ -41,8 +41,8 @@ Mote::String shortNameOf(std::string_view name) {
 
 const IntfId::Record IntfId::empty_;
 
-/// The records of all names, in buckets of lists that only ever grow at their head, so that finding and
-/// adding take no lock.
+/// The records of all names, in buckets of lists that only grow at their head, so that neither finding nor
+/// adding takes a lock.
 class IntfRecords {
  public:
   using Record = IntfId::Record;

@@ -10,9 +10,9 @@
 
 namespace Nexo {
 
-/// An interface id: a handle to the one record of its name, which holds both names and the kind. Making one
-/// looks the name up; everything else costs no look-up and no allocation. Records live as long as the
-/// process. The id of the empty name is the default and stands for no interface.
+/// An interface id: a handle to the unique record of its name, which holds both names and the kind. Creating
+/// an id looks up the name; everything else needs no look-up and no allocation. Records are kept until the
+/// process ends. The default id has the empty name and means no interface.
 class IntfId {
  public:
   static constexpr std::string_view vaneName = "Nexo::IntfId";
@@ -20,7 +20,7 @@ class IntfId {
   enum class Kind : U8 { other, ethernet, portChannel, subInterface };
 
   IntfId() noexcept : record_(&empty_) {}
-  /// Safe in several threads at once.
+  /// Thread-safe.
   explicit IntfId(std::string_view longName);
 
   const Mote::String& stringValue() const noexcept { return record_->longName; }
@@ -52,7 +52,7 @@ struct SubIntfId {
   static bool isSubIntfId(IntfId intf) { return intf.kind() == IntfId::Kind::subInterface; }
 };
 
-/// Ethernet interfaces that are no sub-interfaces.
+/// Ethernet interfaces other than sub-interfaces.
 struct EthIntfId {
   static bool isEthIntfId(IntfId intf) { return intf.kind() == IntfId::Kind::ethernet; }
 };

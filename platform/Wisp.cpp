@@ -21,10 +21,11 @@ namespace {
 constexpr int disabled = -1;
 
 int openTraceFile() {
-  const char* path = std::getenv("LOAM_TRACE");  // NOLINT(concurrency-mt-unsafe): once, while nothing sets it
+  const char* path =
+      std::getenv("LOAM_TRACE");  // NOLINT(concurrency-mt-unsafe): called once, and nothing sets it
   if (path == nullptr || *path == '\0') return disabled;
   const int fd = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0644);
-  // Not in the place of a standard stream that is closed: others write to those by number.
+  // Not a descriptor of a closed standard stream: other code writes to those by number.
   const int above = fd < 0 ? fd : ::fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (above < 0) {
     const std::string reason = std::generic_category().message(errno);
@@ -53,8 +54,8 @@ void append(std::string_view text, std::string_view duration) noexcept {
   const int size = std::snprintf(line.data(), line.size(), "%s.%06ldZ %.*s%.*s\n", time.data(),
                                  now.tv_nsec / 1000, static_cast<int>(text.size()), text.data(),
                                  static_cast<int>(duration.size()), duration.data());
-  line[line.size() - 2] = '\n';  // of a line cut short
-  // A trace line that cannot be written is lost: tracing never stops a command.
+  line[line.size() - 2] = '\n';  // if the line was truncated
+  // A failed write loses the trace line: tracing must not stop a command.
   [[maybe_unused]] const ssize_t written =
       ::write(traceFile(), line.data(), std::min(static_cast<std::size_t>(size), line.size() - 1));
 }

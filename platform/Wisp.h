@@ -1,7 +1,7 @@
 #pragma once
 
-// Wisp, the tracing library. Off unless the environment's LOAM_TRACE names a file, to which each record then
-// appends a line: its time in UTC, its text, and for a timer the duration. A file that cannot be opened is
+// Wisp, the tracing library. Off unless the environment variable LOAM_TRACE names a file. Each record appends
+// a line to it: the time in UTC, the text, and for a timer the duration. A file that cannot be opened is
 // reported once, on standard error, and tracing stays off.
 
 #include <chrono>
@@ -9,12 +9,12 @@
 
 namespace Wisp {
 
-/// Whether records are kept.
+/// Whether records are written.
 bool enabled() noexcept;
 
 void trace(std::string_view text) noexcept;
 
-/// Measures the block in which it lives, and records the duration at its end.
+/// Measures the enclosing block, and records the duration at its end.
 class BlockTimer {
  public:
   /// The text must outlive the timer.

@@ -1,5 +1,7 @@
 #pragma once
 
+// Descriptors of debug counters: what a FAP can count, in blocks.
+
 #include <string_view>
 
 #include "platform/Mote.h"
@@ -7,9 +9,9 @@
 
 namespace Brim::Counters {
 
-/// Which times of a counter are kept: 0 first update, last update and discontinuity; 1 to 3 the last update.
+/// Which times a counter has: 0 first update, last update and discontinuity; 1 to 3 the last update only.
 using CounterFetchType = U8;
-/// How a count is shown: 0 as a decimal number.
+/// How a count is shown: 0 is decimal.
 using CounterDisplayType = U8;
 
 /// One field of a counter.
@@ -18,14 +20,14 @@ class CounterFieldDescriptor : public Mote::Node {
   using PtrConst = Mote::Ptr<const CounterFieldDescriptor>;
 
   Mote::String displayName;
-  U32 offset = 0;  // added to an instance's number, the index of its record
-  U32 order = 0;   // among the fields
+  U32 offset = 0;  // the record of instance i is number i + offset
+  U32 order = 0;   // position among the fields
   CounterFetchType fetchType = 0;
   bool isDropCounter = false;
 };
 
-/// One counter of a block. One with fields is shown field by field, without its own name, offset, fetch type
-/// and drop flag.
+/// One counter of a block. A counter with fields is shown field by field; its own name, offset, fetch type
+/// and drop flag are then not used.
 class CounterDescriptor : public Mote::Node {
  public:
   using PtrConst = Mote::Ptr<const CounterDescriptor>;
@@ -38,7 +40,7 @@ class CounterDescriptor : public Mote::Node {
   U32 firstInstance = noFirstInstance;
   U32 numInstances = 0;
   CounterFetchType fetchType = 0;
-  CounterDisplayType displayType = 0;  // of the fields, too
+  CounterDisplayType displayType = 0;  // also that of the fields
   bool isDropCounter = false;
 };
 
@@ -50,8 +52,8 @@ class CounterBlockDescriptorPtrDir : public Mote::Node {
   Vane::OrderedMap<Mote::String, CounterDescriptor::PtrConst> counterDescriptors;
 };
 
-/// The counter blocks of one FAP, by their lower-case names. Its owner may rebuild it at any time: it may be
-/// used only while it is valid and its readiness is not 0, which a reader asks again and again.
+/// The counter blocks of one FAP, by their lower-case names. The owner may rebuild it at any time: use it
+/// only while it is valid and its readiness is not 0, and check both repeatedly.
 class CounterDescriptorDir : public Mote::Node {
  public:
   using PtrConst = Mote::Ptr<const CounterDescriptorDir>;

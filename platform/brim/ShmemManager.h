@@ -1,5 +1,7 @@
 #pragma once
 
+// Values of debug counters, and their readers.
+
 #include <string_view>
 #include <vector>
 
@@ -25,16 +27,16 @@ class ShmemManager : public Mote::Node {
 
   struct Snapshot {
     Mote::String name;
-    U32 counters = 0;  // how many
+    U32 counters = 0;  // number of counters
   };
 
-  /// The record at an index of a snapshot; an all-zero record when there is none.
+  /// The record at an index of a snapshot; an all-zero record if there is none.
   virtual Counter counter(const Mote::String& snapshot, U32 index) const = 0;
-  /// The snapshots that the FAP has, in any order.
+  /// The snapshots of the FAP, in any order.
   virtual std::vector<Snapshot> snapshots() const = 0;
 };
 
-/// Debug counters in this process's memory. Whoever fills them is their only writer, before they are read.
+/// Debug counters in the memory of this process, which are filled before they are read.
 class MemoryShmemManager : public ShmemManager {
  public:
   Vane::HashMap<Mote::String, std::vector<Counter>> values;  // by snapshot

@@ -1,5 +1,7 @@
 #pragma once
 
+// The accessors through which the show commands read counters.
+
 #include <string_view>
 
 #include "platform/Cortex.h"
@@ -15,14 +17,14 @@ class TrafficClassMapping : public Mote::Node {
   static constexpr std::string_view vaneName = "LoamCounters::TrafficClassMapping";
 };
 
-/// Reads the counters that the counter engine keeps. Takes the tables mounted when it is made.
+/// Reads the counters of the counter engine, from the tables that are mounted when it is created.
 class CounterEngineAccessor : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<CounterEngineAccessor>;
   using PtrConst = Mote::Ptr<const CounterEngineAccessor>;
   static constexpr std::string_view vaneName = "LoamCounters::CounterEngineAccessor";
 
-  /// This platform's tables answer everything; of the arguments, only `entityManager` is used.
+  /// The tables of this platform have all counters, so only `entityManager` is used.
   CounterEngineAccessor(const Hardware::Loam::Status::PtrConst& loamStatus,
                         const LoamTm::TmMapping::PtrConst& tmMapping,
                         const Hardware::Loam::InternalLagClientStatus::PtrConst& internalLagStatus,
@@ -34,20 +36,21 @@ class CounterEngineAccessor : public Mote::Node {
   EgressCounter egressCounter(const EgressCounterKey& key) const;
   EgressTmCounter egressTmCounter(const EgressCounterKey& key) const;
   EgressLagCounter egressLagCounter(const EgressCounterKey& key) const;
-  /// Never fills the record's total.
+  /// The record's total never has a value.
   EgressMtuCounter egressMtuEnqDropCounter(FapId fap) const;
 
  private:
   const Mote::Ptr<const CounterTables> tables_;
 };
 
-/// Reads the egress ACL counters and the egress MTU totals. Takes the tables mounted when it is made.
+/// Reads the egress ACL counters and the egress MTU totals, from the tables that are mounted when it is
+/// created.
 class EgressAclCountersAccessor : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<EgressAclCountersAccessor>;
   static constexpr std::string_view vaneName = "LoamCounters::EgressAclCountersAccessor";
 
-  /// Likewise.
+  /// Only `entityManager` is used.
   EgressAclCountersAccessor(const Hardware::Loam::Status::PtrConst& loamStatus,
                             const Hardware::Loam::CounterEngineStatus::PtrConst& counterEngineStatus,
                             const Cortex::EntityManager::Ptr& entityManager, bool isMountModeWriter);

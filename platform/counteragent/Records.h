@@ -1,5 +1,7 @@
 #pragma once
 
+// Counter records: quads, and the ingress, egress and MTU records of an interface or FAP.
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -16,8 +18,8 @@ namespace LoamCounters {
 using Hardware::Loam::FapId;
 using Hardware::Loam::LocalCoreId;
 
-/// Four counts of one queue, or a sum of queues, modulo 2^64. Trivial, so that records can hold many of them
-/// unset: `CounterQuad()` is all zero, a bare declaration is not.
+/// Four counts of one queue, or sums over queues, modulo 2^64. A trivial type, so that records need not
+/// initialize all their quads: `CounterQuad()` is all zero, a bare declaration is uninitialized.
 struct CounterQuad {
   U64 enqueuedPackets;
   U64 enqueuedBytes;
@@ -47,16 +49,16 @@ class IngressCounterIndex : public Vane::Identifier<IngressCounterIndex, U8, 0, 
   using Identifier::Identifier;
 };
 
-/// The ingress counters of one interface on one FAP core: the total over its queues, and each queue's. Only
-/// the queues up to the last one ever set are stored or copied; the others read as zero.
+/// The ingress counters of one interface on one FAP core: the total, and each queue. Only the queues up to
+/// the last one that was set are stored and copied; the others read as zero.
 class IngressTcCounter {
  public:
   static constexpr std::size_t capacity = std::size_t{IngressCounterIndex::highest} + 1;
 
   IngressCounter total{};
 
-  IngressTcCounter() noexcept {}  // NOLINT(modernize-use-equals-default): the queues stay unset
-  /// `queues` has 80 at the most.
+  IngressTcCounter() noexcept {}  // NOLINT(modernize-use-equals-default): the queues stay uninitialized
+  /// `queues` has at most 80.
   IngressTcCounter(const IngressCounter& sum, std::span<const IngressCounter> queues) noexcept
       : total(sum), size_(static_cast<U32>(queues.size())) {
     std::copy_n(queues.begin(), size_, queues_.begin());
@@ -76,7 +78,7 @@ class IngressTcCounter {
     return queue.value() < size_ ? queues_[queue.value()] : zero_;
   }
   void queueIs(IngressCounterIndex queue, const IngressCounter& counter) noexcept;
-  /// Makes the record one of `count` queues, 80 at the most, which the caller sets.
+  /// Sets the number of queues, at most 80; the caller sets the queues.
   std::span<IngressCounter> unsetQueues(std::size_t count) noexcept {
     size_ = static_cast<U32>(count);
     return {queues_.data(), count};
@@ -113,7 +115,7 @@ class EgressLagCounterIndex : public Vane::Identifier<EgressLagCounterIndex, U8,
   using Identifier::Identifier;
 };
 
-/// Egress counts of one interface: the total, then single counts, four in a row to a queue.
+/// Egress counts of one interface: the total, then four consecutive counts per queue.
 template <class CountIndex>
 struct EgressCounts {
   using Index = CountIndex;
@@ -123,7 +125,7 @@ struct EgressCounts {
   std::array<U64, 4 * quads> counts{};
 
   U64 operator[](Index index) const noexcept { return counts[index.value()]; }
-  /// The four counts from `first` on; raises the index type's range error when one is beyond the record.
+  /// The four counts from `first` on; throws the index type's range error if one is beyond the record.
   CounterQuad quad(U64 first) const {
     const std::size_t at = Index(first).value();
     static_cast<void>(Index(first + 3));
@@ -143,11 +145,11 @@ struct EgressCounter : EgressCounts<EgressCounterIndex> {};
 
 /// EGQ queue mode: per traffic class a unicast and a multicast quad.
 struct EgressTmCounter : EgressCounts<EgressTmCounterIndex> {
-  /// By the low two bits of a traffic class t: whether t and t + 4 share one counter.
+  /// Index: the low two bits of a traffic class t. Whether t and t + 4 share one counter.
   std::array<bool, 4> tcLsbOfAmbiguousTcs{};
 };
 
-/// A port channel: per traffic class a unicast and a multicast quad.
+/// A port channel: per traffic class, then per shared pair of classes, a unicast and a multicast quad.
 struct EgressLagCounter : EgressCounts<EgressLagCounterIndex> {};
 
 /// The egress MTU counts of one FAP.
@@ -176,7 +178,7 @@ struct IngressCounterKey {
 
 struct EgressCounterKey {
   Nexo::IntfId intfId;
-  U8 entry;  // the counter agent's own; every command asks with 56
+  U8 entry;  // defined by the counter agent; every command uses 56
 };
 
 }  // namespace LoamCounters

@@ -1,6 +1,6 @@
 #pragma once
 
-// A mapped counter region: checked when it is mapped, then looked up by key.
+// A mapped counter region: validated when it is mapped, with look-ups by key.
 
 #include <string>
 #include <vector>
@@ -12,43 +12,43 @@
 
 namespace LoamCounters {
 
-/// A region that cannot be used: none, truncated, damaged, of another version or byte order. The text names
-/// the region.
+/// A region that cannot be used: not a region, truncated, damaged, or with another version or byte order. The
+/// text names the region.
 class RegionException : public Vane::Exception {
  public:
   using Exception::Exception;
 };
 
 /// The directory of a mapped region. Every offset, count and name is checked by the constructor. Look-ups
-/// read the directory again, so that they need no memory of their own, and check again what they read:
-/// whoever can write the file may not keep to the layout.
+/// read the directory again instead of keeping a copy, and validate what they read, because another process
+/// may overwrite the file.
 class Region : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<Region>;
   using PtrConst = Mote::Ptr<const Region>;
 
-  /// Maps the file behind a descriptor, which stays the caller's and may be closed afterwards. Raises
-  /// RegionException, which calls the region `name`.
+  /// Maps the file of a descriptor, which the caller may close afterwards. Throws RegionException, whose text
+  /// begins with `name`.
   Region(int fd, const Mote::String& name, RegionAccess access = RegionAccess::read);
 
   const Mote::String& name() const noexcept { return name_; }
-  /// The JSON text of the switch without its counts.
+  /// The switch without its counters, as JSON text.
   std::string description() const;
   /// When the writer last gave a sign of life: nanoseconds since 1970 UTC.
   U64 heartbeat() const noexcept;
   void heartbeatIs(U64 nanoseconds) const noexcept;
-  /// Raises RegionException when the file has been truncated or overwritten since it was mapped.
+  /// Throws RegionException if the file has been truncated or overwritten since it was mapped.
   void requireIntact() const;
   bool hasHole() const noexcept { return mapping_.hasHole(); }
 
-  /// The interfaces that have records, each with its number.
+  /// The interfaces that have records, each with its index.
   const auto& interfaces() const noexcept { return intfs_; }
-  /// The entry of an interface; no records when there is none.
+  /// The entry of an interface; one without records if there is none.
   RegionInterface interface(Nexo::IntfId intf) const;
   RegionInterface interfaceAt(U32 number) const;
-  /// One of an interface's ingress records, by ascending source.
+  /// One of the interface's ingress records, which are in ascending order of source.
   RegionSource source(const RegionInterface& intf, U64 number) const;
-  /// That of a FAP core; record 0 when there is none.
+  /// The interface's ingress record of a FAP core; its `record` is 0 if there is none.
   RegionSource sourceOf(const RegionInterface& intf, RecordTables::Source source) const;
   U64 faps() const noexcept { return faps_.count; }
   RegionFap fap(U64 number) const;
@@ -65,14 +65,14 @@ class Region : public Mote::Node {
   };
   std::vector<Manager> managers() const;
 
-  /// The sequence number of a record, before that many words of content.
+  /// The sequence number of a record, which is followed by `words` words of content.
   U64* record(U64 offset, U64 words) const;
-  /// The same, null for offset 0.
+  /// The same; null for offset 0.
   U64* recordIfAny(U64 offset, U64 words) const { return offset == 0 ? nullptr : record(offset, words); }
 
  private:
   [[noreturn]] void damaged(const char* what) const;
-  /// Copies a structure, so that what is checked is what is used.
+  /// Copies a structure, so that the checked value is the one used.
   template <class T>
   T load(U64 offset) const;
   template <class T>
@@ -85,8 +85,8 @@ class Region : public Mote::Node {
   void checkInterface(const RegionInterface& intf);
   void checkFaps() const;
   void checkManagers();
-  /// Counts the bytes of parts that no two owners share. A region in which they add up to more than it holds
-  /// is damaged, and would take more time and memory than its size allows.
+  /// Adds up the sizes of parts that must not overlap. A region in which the sum exceeds the size of the file
+  /// is damaged; it could cost more time and memory than its size justifies.
   void spend(U64 bytes);
 
   Mote::String name_;

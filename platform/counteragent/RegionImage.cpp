@@ -9,10 +9,10 @@ namespace LoamCounters {
 
 namespace {
 
-/// The bytes of a region, laid out one part after the other.
+/// The bytes of a region, appended part by part.
 class Layout {
  public:
-  /// Takes room at the end and answers its offset.
+  /// Appends room and returns its offset.
   U64 room(U64 size, U64 alignment) {
     const U64 begin = (bytes_.size() + alignment - 1) / alignment * alignment;
     bytes_.resize(begin + size);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The bytes of a new region.
+// Creates the bytes of a new region.
 
 #include <string>
 #include <vector>
@@ -16,7 +16,7 @@ struct DebugCounters {
   Brim::Counters::ShmemManager::PtrConst manager;
 };
 
-/// A region for the records of `counters` and `debug`, all of them zero, without a heartbeat.
+/// A region with the records of `counters` and `debug`, all zero, and no heartbeat.
 std::string regionImage(std::string_view description, const RecordTables& counters,
                         const std::vector<DebugCounters>& debug);
 

@@ -11,10 +11,11 @@ namespace LoamCounters {
 
 namespace {
 
-/// What the handler has to know of a mapping. It can neither lock nor allocate, hence a table of fixed size.
+/// A mapping, as the signal handler sees it. The handler can neither lock nor allocate, hence a table of
+/// fixed size.
 struct Place {
   std::atomic<char*> begin = nullptr;
-  std::atomic<char*> end = nullptr;  // null: the place is free, or being filled
+  std::atomic<char*> end = nullptr;  // null: unused, or being filled
   std::atomic<int> protection = 0;
   std::atomic<bool> taken = false;
   std::atomic<bool> hole = false;

@@ -12,7 +12,7 @@ namespace {
 
 using Brim::Counters::Counter;
 
-/// Tries again until the record is read whole; false when that takes too long.
+/// Tries again until a consistent record is read; false if that takes too long.
 template <class Copy>
 [[gnu::noinline]] bool readPatiently(U64* record, Copy& copy, std::chrono::milliseconds wait) {
   constexpr int hastyTries = 1000;
@@ -28,7 +28,7 @@ template <class Copy>
   return false;
 }
 
-/// Copies a record of `in`; `named` makes its name for an error.
+/// Copies a record of `in`; `named` returns its name for an error message.
 template <class Copy, class Named>
 void readRecord(const Region& in, std::chrono::milliseconds wait, U64* record, Copy copy, Named named) {
   if (!region::readOnce(record, copy) && !readPatiently(record, copy, wait)) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The counters of a mapped region as the tables and managers that commands read. Reading takes no lock; a
-// record is read whole, or RecordException is raised after a bounded wait.
+// Makes the counters of a mapped region available as the tables and managers that commands read. Reading
+// takes no lock; a record is read consistently, or RecordException is thrown after a bounded wait.
 
 #include <chrono>
 
@@ -10,16 +10,16 @@
 
 namespace LoamCounters {
 
-/// A record that stayed half written: its writer died. The text names the record.
+/// A partly written record, whose writer died. The text names the record.
 class RecordException : public Vane::Exception {
  public:
   using Exception::Exception;
 };
 
-/// How long a reader waits for a record that is being written, unless told otherwise.
+/// How long a reader waits for a record that is being written, by default.
 constexpr std::chrono::milliseconds longestRecordWait{800};
 
-/// Reads raise RecordException, and RegionException when the file was truncated.
+/// Reads throw RecordException, and RegionException if the file was truncated.
 class RegionTables : public RecordTables {
  public:
   explicit RegionTables(Region::PtrConst region, std::chrono::milliseconds wait = longestRecordWait)
@@ -54,7 +54,7 @@ class RegionTables : public RecordTables {
   std::chrono::milliseconds wait_;
 };
 
-/// The debug counters of one FAP. Reads raise as those of RegionTables do.
+/// The debug counters of one FAP. Reads throw the exceptions of RegionTables.
 class RegionShmemManager : public Brim::Counters::ShmemManager {
  public:
   RegionShmemManager(Region::PtrConst region, const Region::Manager& manager,

@@ -1,8 +1,8 @@
 #pragma once
 
-// How one record of a region is written and read whole. Every word is an atomic of its own, so that a race
-// between them is defined. Loads acquire and stores release instead of fences, which the thread sanitizer
-// does not know; on x86 both are plain moves.
+// Writes and reads one record of a region consistently. Every word is atomic, so that concurrent reads and
+// writes are defined. Loads acquire and stores release; fences would do, but ThreadSanitizer does not support
+// them. On x86 both are plain moves.
 
 #include <atomic>
 
@@ -29,7 +29,7 @@ inline void storeQuad(U64* words, const CounterQuad& quad) noexcept {
   storeWord(words[3], quad.droppedBytes);
 }
 
-/// Calls `copy` with the content of a record. False when it was being written: what was copied is then a mix.
+/// Calls `copy` with the content of a record. False if it was being written: the copy is then inconsistent.
 template <class Copy>
 bool readOnce(U64* record, Copy& copy) {
   const U64 before = loadWord(record[0]);

@@ -18,7 +18,7 @@ namespace {
 
 using Brim::Counters::Counter;
 
-/// A file beside the one to make, which takes its name when it is complete, and goes when it is not.
+/// A temporary file next to the one to create, which replaces it when complete, and is removed otherwise.
 class NewFile {
  public:
   explicit NewFile(const std::string& path)
@@ -73,7 +73,7 @@ void storeEgress(U64* words, const Record& counter) {
   }
 }
 
-/// False when there is no record.
+/// False if there is no record.
 template <class Fill>
 bool write(U64* record, Fill fill) {
   if (record == nullptr) return false;
@@ -88,7 +88,7 @@ CounterRegionWriter::CounterRegionWriter(const std::string& path, std::string_vi
                                          const std::vector<DebugCounters>& debug)
     : path_(path) {
   NewFile file(path_);
-  // Writing it, unlike growing it, finds out that there is no room.
+  // Writing the file, unlike ftruncate, fails if the file system is full.
   file.write(regionImage(description, counters, debug));
   region_ = Mote::make<Region>(file.fd(), path_, RegionAccess::write);
   for (const Region::Manager& manager : region_->managers()) {

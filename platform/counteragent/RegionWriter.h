@@ -1,6 +1,6 @@
 #pragma once
 
-// The writing side of a counter region, for the process that has the chips.
+// The writer of a counter region, for the process that controls the chips.
 
 #include <string>
 #include <vector>
@@ -10,25 +10,26 @@
 
 namespace LoamCounters {
 
-/// Makes a region of a switch and updates its records. Updates never wait and never allocate. They may come
-/// from several threads, as long as no two update the same record at once; readers notice neither that nor
-/// each other. The file stays when the writer ends, and readers go on with what it holds.
+/// Creates the region of a switch and updates its records. Updates neither wait nor allocate. Several threads
+/// may update different records at the same time, but not the same record. The file is kept when the writer
+/// ends, and readers continue with its contents.
 class CounterRegionWriter {
  public:
-  /// Makes the region and puts it in the place of the file `path`, at once and whole. `description` is the
-  /// JSON text of a state file without counts: without `counters`, and without the snapshots of `debug`.
-  /// `counters` and `debug` give the records and their first values; the set of records, and how many queues
-  /// each ingress record has, stay as they are. Raises std::system_error when the file cannot be made,
+  /// Creates the region and atomically replaces the file `path` by it. `description` is the JSON text of a
+  /// state file without counts: without `counters`, and without the snapshots of `debug`. `counters` and
+  /// `debug` determine the records and their first values; the set of records, and the number of queues in
+  /// each ingress record, cannot change later. Throws std::system_error if the file cannot be created,
   /// RegionException for names that are not UTF-8.
   CounterRegionWriter(const std::string& path, std::string_view description, const RecordTables& counters,
                       const std::vector<DebugCounters>& debug = {});
 
-  /// Says that the writer is there. To be called at least every second, whatever counts.
+  /// Gives a sign of life. Call it at least once a second, even if no count changes.
   void alive() const noexcept;
 
-  // Each sets one record. False, and nothing set, when the region has no such record.
+  // Each sets one record, or returns false if the region has no such record.
 
-  /// False also when the record has fewer queues than `counter`; queues that `counter` lacks are zero.
+  /// Returns false also if the record has fewer queues than `counter`; queues missing in `counter` become
+  /// zero.
   bool ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf, const IngressTcCounter& counter) const;
   bool egressIs(Nexo::IntfId intf, const EgressCounter& counter) const;
   bool egressTmIs(Nexo::IntfId intf, const EgressTmCounter& counter) const;
@@ -38,7 +39,7 @@ class CounterRegionWriter {
   bool debugCounterIs(const Mote::String& fap, const Mote::String& snapshot, U32 index,
                       const Brim::Counters::Counter& counter) const;
 
-  /// Removes the file, unless another one has taken its place.
+  /// Removes the file, unless another one has replaced it.
   void remove() const noexcept;
 
  private:

@@ -7,7 +7,7 @@ namespace LoamCounters {
 
 namespace {
 
-/// Where a source is among the places, or where it belongs.
+/// The position of a source among the places, or where to insert it.
 template <class Places>
 auto placeOf(Places& places, RecordTables::Source source) {
   return std::lower_bound(places.begin(), places.end(), source,

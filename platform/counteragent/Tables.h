@@ -1,5 +1,7 @@
 #pragma once
 
+// Counter tables: the interface between the accessors and a source of counters, and tables in memory.
+
 #include <memory>
 #include <span>
 #include <vector>
@@ -8,14 +10,14 @@
 
 namespace LoamCounters {
 
-/// A source of counters, mounted in the entity manager under `path`: memory, shared memory, or a test's own.
-/// Reads may come from several threads at once. What is not there reads as zeros, or as a count without
-/// value.
+/// A source of counters, mounted in the entity manager under `path`: memory, shared memory, or a test's.
+/// Several threads may read at the same time. Missing records read as zeros, or as counts without value.
+/// docs/porting.md specifies each method.
 class CounterTables : public Mote::Node {
  public:
   static constexpr const char* path = "LoamCounters/counterTables";
 
-  /// The null FAP and the aggregate core ask for the sum over all sources.
+  /// For the null FAP and the aggregate core, the sum over all sources.
   virtual IngressTcCounter ingressTcCounter(FapId fap, LocalCoreId core, Nexo::IntfId intf) const = 0;
   virtual IngressCounter ingressCounter(const IngressCounterKey& key) const = 0;
   virtual EgressCounter egressCounter(const EgressCounterKey& key) const = 0;
@@ -26,13 +28,13 @@ class CounterTables : public Mote::Node {
   virtual Keel::MaybeU63 egressMtuTotalCounter(FapId fap) const = 0;
 };
 
-/// Tables that list the records they hold, so that a switch can be written out, checked and subtracted.
+/// Tables that can list their records, so that a switch can be captured, checked and subtracted.
 class RecordTables : public CounterTables {
  public:
   using Ptr = Mote::Ptr<RecordTables>;
   using PtrConst = Mote::Ptr<const RecordTables>;
 
-  /// Where an interface's ingress counters are kept: one record per source.
+  /// A FAP core. An interface has one ingress record per source.
   struct Source {
     FapId fapId;
     LocalCoreId coreId;
@@ -56,10 +58,11 @@ class RecordTables : public CounterTables {
   virtual std::vector<FapId> egressMtuKeys() const = 0;
 };
 
-/// Counter tables in this process's memory. Whoever fills them is their only writer, before they are mounted.
+/// Counter tables in the memory of this process. They are filled before they are mounted, and constant
+/// afterwards.
 class MemoryCounterTables : public RecordTables {
  public:
-  /// False, and nothing stored, when there is an entry of that FAP, core and interface already.
+  /// False, without a change, if there is already an entry of that FAP, core and interface.
   bool ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf, const IngressTcCounter& counter);
 
   Vane::HashMap<Nexo::IntfId, EgressCounter> egress;
@@ -94,16 +97,17 @@ class MemoryCounterTables : public RecordTables {
     struct Place {
       Source source;
       U32 size;
-      const IngressCounter* counters;  // the total, then the queues as far as they are stored
+      const IngressCounter* counters;  // the total, then the stored queues
     };
     std::vector<Place> places;
-    std::vector<IngressCounter> sum;  // of all sources, kept ready since commands ask for it first
+    std::vector<IngressCounter> sum;  // over all sources; commands read it first
   };
 
-  /// Room for that many counters, which never move: blocks of many records leave no gaps in memory.
+  /// Room for `count` counters, which never move. Allocates blocks for many records, to keep them close
+  /// together.
   IngressCounter* take(std::size_t count);
 
-  /// A total and its queues; empty when there is no entry.
+  /// A total and its queues; empty if there is no entry.
   std::span<const IngressCounter> findIngress(FapId fap, LocalCoreId core, Nexo::IntfId intf) const;
 
   Vane::DenseMap<Nexo::IntfId, Sources, Vane::Hash> ingress_;

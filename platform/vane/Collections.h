@@ -1,5 +1,7 @@
 #pragma once
 
+// Ordered and hash maps for attributes of entities.
+
 #include <functional>
 #include <iterator>
 #include <map>
@@ -54,7 +56,7 @@ class SortedMap {
   std::map<K, V, Less> map_;
 };
 
-/// What a look-up answers for an absent key: a default-made item, or the null one of identifiers.
+/// The result of a look-up of an absent key: a default-constructed item, or the null identifier.
 template <class Item>
 Item neutral() {
   if constexpr (std::is_default_constructible_v<Item>) {
@@ -64,8 +66,8 @@ Item neutral() {
   }
 }
 
-/// What ordered and hash maps of attributes share: look-ups that answer a neutral value for an absent key,
-/// and a 32-bit version that every change moves.
+/// Common part of ordered and hash maps of attributes: look-ups that return a neutral value for an absent
+/// key, and a 32-bit version that every change increments.
 template <class Map>
 class Collection {
  public:
@@ -74,7 +76,8 @@ class Collection {
 
   Collection() = default;
   Collection(const Collection&) = default;
-  /// Replaces all entries, which is a change. There is no move: it would empty the other collection.
+  /// Replaces all entries, and counts as a change. There is no move assignment: it would empty the other
+  /// collection.
   Collection& operator=(const Collection& other) {
     ++version_;
     map_ = other.map_;
@@ -82,10 +85,10 @@ class Collection {
   }
   ~Collection() = default;
 
-  /// The item under a key, null when absent; valid until the collection changes.
+  /// The item of a key, null if absent; valid until the collection changes.
   const Item* find(const Key& key) const { return map_.find(key); }
   bool contains(const Key& key) const { return find(key) != nullptr; }
-  /// A copy of the item under a key, the neutral one when absent.
+  /// A copy of the item of a key, the neutral one if absent.
   Item get(const Key& key) const {
     const Item* item = find(key);
     return item == nullptr ? neutral<Item>() : *item;
@@ -105,12 +108,12 @@ class Collection {
   U32 size() const noexcept { return static_cast<U32>(map_.size()); }
   U32 version() const noexcept { return version_; }
 
-  /// Inserts the item, or replaces the one under that key.
+  /// Inserts the item, or replaces the one of that key.
   void set(const Key& key, Item item) {
     map_.set(key, std::move(item));
     ++version_;
   }
-  /// As set(), for handles: a null one removes the entry, if there is one.
+  /// Like set(), for handles: a null handle removes the entry, if there is one.
   void setUnlessNull(const Key& key, Item item) {
     if (item == nullptr) {
       remove(key);
@@ -118,7 +121,7 @@ class Collection {
       set(key, std::move(item));
     }
   }
-  /// Removes and returns the item, the neutral one when the key is absent.
+  /// Removes and returns the item, the neutral one if the key is absent.
   Item remove(const Key& key) {
     std::optional<Item> item = map_.take(key);
     if (!item) return neutral<Item>();
@@ -135,13 +138,13 @@ class Collection {
   U32 version_ = 0;
 };
 
-/// A map without a promised order. It must not change during a walk from begin() to end(); a Walk allows
-/// that.
+/// A map without a defined order. It must not change during a walk from begin() to end(), but may during a
+/// Walk.
 template <class K, class V>
 class HashMap : public Collection<DenseMap<K, V, Hash>> {
  public:
-  /// Walks the keys of the moment when it began, without those that have gone before it came to them. Holds a
-  /// copy of the entry it is at.
+  /// Walks the keys that exist at its begin, except those that are removed before it reaches them. Holds a
+  /// copy of the current entry.
   class Walk {
    public:
     explicit Walk(const HashMap& owner) : owner_(&owner), keys_(owner.keys()) { arrive(); }
@@ -175,8 +178,8 @@ class HashMap : public Collection<DenseMap<K, V, Hash>> {
   auto end() const { return this->map_.end(); }
 };
 
-/// A map in ascending key order that may change while it is walked: a walk holds a copy of the entry it is
-/// at, and goes on with the smallest key above it.
+/// A map in ascending key order that may change during a walk: a walk holds a copy of the current entry, and
+/// continues with the smallest key above it.
 template <class K, class V, class Less = std::less<K>>
 class OrderedMap : public Collection<SortedMap<K, V, Less>> {
  public:

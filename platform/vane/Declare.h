@@ -1,7 +1,7 @@
 #pragma once
 
-// How a unit declares its types: one constant table per type, derived from its member functions. The generic
-// attribute operation, construction from arguments, cursors and the registry's texts all come from it.
+// Declares the types of a unit: one constant table per type, derived from its member functions. The generic
+// attribute operation, construction from arguments, cursors and the registry's texts are derived from it.
 
 #include <array>
 #include <memory>
@@ -16,7 +16,7 @@
 
 namespace Vane {
 
-/// Base of a registered entity. `Self` answers its registration through a static `fwkType()`.
+/// Base of a registered entity. The static `fwkType()` of `Self` returns its registration.
 template <class Self>
 class Entity : public Mote::Node {
  public:
@@ -104,7 +104,7 @@ constexpr AttributeDescriptor attribute(std::string_view name) {
           }};
 }
 
-/// An attribute whose object `is` makes from arguments and `del` removes.
+/// An attribute whose object `is` creates from arguments and `del` removes.
 template <auto get, auto is, auto del, class... Name>
 constexpr AttributeDescriptor instantiating(std::string_view name, Name... parameters) {
   return {name, kindFlag<ResultOf<get>> | flagReadOnly | flagInstantiating, typeName<ResultOf<get>>,
@@ -144,7 +144,7 @@ constexpr AttributeDescriptor operation(std::string_view name, Name... parameter
           }};
 }
 
-/// A queue attribute. The walk is over what was queued when it began.
+/// A queue attribute. A walk is over the items that were queued when it began.
 template <auto items, auto enq, auto deq>
 constexpr AttributeDescriptor queue(std::string_view name) {
   using Owner = OwnerOf<items>;
@@ -198,7 +198,7 @@ constexpr AttributeDescriptor queue(std::string_view name) {
           }};
 }
 
-/// The walk over a collection, with the entries as they were when it came to them.
+/// The walk over a collection; an entry is copied when the walk reaches it.
 template <auto items, auto removal>
 class CollectionCursor final : public Cursor {
   using Owner = OwnerOf<items>;
@@ -217,7 +217,7 @@ class CollectionCursor final : public Cursor {
   typename ResultOf<items>::Walk at_;
 };
 
-/// The operations that every collection takes: all but the write, which `write(owner, request)` does.
+/// The operations of every collection, except that `write(owner, request)` does the write.
 template <auto items, auto del, auto write>
 constexpr AttributeDescriptor collectionOf(std::string_view name, U16 flags, Parameters parameters) {
   using Owner = OwnerOf<items>;
@@ -260,7 +260,7 @@ constexpr AttributeDescriptor collectionOf(std::string_view name, U16 flags, Par
           }};
 }
 
-/// A collection whose items are set under their keys.
+/// A collection whose items are set by key.
 template <auto items, auto is, auto del>
 constexpr AttributeDescriptor collection(std::string_view name) {
   using Map = ResultOf<items>;
@@ -271,7 +271,7 @@ constexpr AttributeDescriptor collection(std::string_view name) {
   return collectionOf<items, del, write>(name, flagWritable, {});
 }
 
-/// A collection whose items `is` makes from arguments, the key among them.
+/// A collection whose items `is` creates from arguments, which include the key.
 template <auto items, auto is, auto del, class... Name>
 constexpr AttributeDescriptor instantiatingCollection(std::string_view name, Name... parameters) {
   constexpr auto write = [](OwnerOf<items>& owner, const Request& request) {
@@ -289,7 +289,7 @@ constexpr TypeDescriptor enumeration() {
   return type;
 }
 
-/// An entity that `create` makes; its attributes are numbered from `firstNumber`.
+/// An entity that `create` creates; its attributes are numbered from `firstNumber`.
 template <auto create, class... Name>
 constexpr TypeDescriptor entity(U32 firstNumber, std::span<const AttributeDescriptor> attributes,
                                 Name... parameters) {
@@ -304,7 +304,7 @@ constexpr TypeDescriptor entity(U32 firstNumber, std::span<const AttributeDescri
           }};
 }
 
-/// The registration of an entity of a module, which must hold it.
+/// The registration of an entity, which must belong to the module.
 template <class T, const ModuleDescriptor& module>
 const TypeData& registered() {
   static constexpr TypeData data = [] {
@@ -315,7 +315,7 @@ const TypeData& registered() {
   return data;
 }
 
-/// Registers a module for as long as the object lives.
+/// Registers a module during the lifetime of the object.
 class Registration {
  public:
   explicit Registration(const ModuleDescriptor& module) : module_(module) { vaneModuleIs(module_); }

@@ -1,5 +1,7 @@
 #pragma once
 
+// A hash map with contiguous entries, on which HashMap is built.
+
 #include <bit>
 #include <cstdint>
 #include <optional>
@@ -10,9 +12,8 @@
 
 namespace Vane {
 
-/// A hash map whose entries stand side by side, in the order in which they came: a walk, and look-ups in
-/// about that order, run through memory forwards. The index beside them is open-addressed and never more than
-/// half full.
+/// A hash map whose entries are contiguous, in order of insertion: a walk, and look-ups in a similar order,
+/// read memory sequentially. The separate index is open-addressed and at most half full.
 template <class K, class V, class Hash>
 class DenseMap {
  public:
@@ -23,7 +24,7 @@ class DenseMap {
     V item;
   };
 
-  /// Null when absent; valid until the map changes.
+  /// Null if absent; valid until the map changes.
   const V* find(const K& key) const {
     if (entries_.empty()) return nullptr;
     const U32 slot = slots_[slotOf(key)];
@@ -38,7 +39,7 @@ class DenseMap {
       entries_[slot].item = std::move(item);
     }
   }
-  /// The item under the key, made when absent.
+  /// The item of the key, created if absent.
   V& operator[](const K& key) {
     U32& slot = roomFor(key);
     if (slot == empty) {
@@ -47,7 +48,7 @@ class DenseMap {
     }
     return entries_[slot].item;
   }
-  /// The item that was removed, if there was one. The last entry takes its place.
+  /// Removes and returns the item, if there is one. The last entry moves to its position.
   std::optional<V> take(const K& key) {
     if (find(key) == nullptr) return {};
     std::size_t gap = slotOf(key);
@@ -69,12 +70,11 @@ class DenseMap {
   static constexpr U32 empty = 0xffffffff;
   static constexpr std::size_t fewestSlots = 8;
 
-  // The upper bits of the product depend on all bits of the hash, which may be as plain as a number or an
-  // address.
+  // The upper bits of the product depend on all bits of the hash, which may be just a number or an address.
   std::size_t home(const K& key) const { return (Hash()(key) * 0x9e3779b97f4a7c15) >> shift_; }
   std::size_t next(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
 
-  /// The slot of the key, or the empty one where it would go.
+  /// The slot of the key, or the empty one where it would be inserted.
   std::size_t slotOf(const K& key) const {
     std::size_t slot = home(key);
     while (slots_[slot] != empty && !(entries_[slots_[slot]].key == key)) slot = next(slot);
@@ -90,7 +90,7 @@ class DenseMap {
     shift_ = 64 - static_cast<unsigned>(std::countr_zero(size));
     for (std::size_t i = 0; i < entries_.size(); ++i) slots_[slotOf(entries_[i].key)] = static_cast<U32>(i);
   }
-  // Moves the entries that had gone past the gap back, so that no search ends early.
+  // Moves entries behind the gap forward into it, so that no search ends early.
   void closeGap(std::size_t gap) {
     slots_[gap] = empty;
     for (std::size_t slot = next(gap); slots_[slot] != empty; slot = next(slot)) {
@@ -100,7 +100,7 @@ class DenseMap {
   }
 
   std::vector<Entry> entries_;
-  std::vector<U32> slots_;  // by hash: the place among the entries
+  std::vector<U32> slots_;  // by hash: index of the entry
   unsigned shift_ = 0;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Names of enumerators.
+
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -10,7 +12,7 @@
 
 namespace Vane {
 
-/// Specialised for an 8-bit enumeration whose values count from 0: `name`, the enumeration's full name, and
+/// Specialized for an 8-bit enumeration whose values count from 0: `name`, the enumeration's full name, and
 /// `values`, an array of the enumerators' names in numeric order.
 template <class E>
 struct Enumeration;
@@ -20,7 +22,7 @@ concept Enumerated = requires {
   Enumeration<E>::values;
 };
 
-/// The name of a value; raises RangeException for a number that is none of the enumeration's.
+/// The name of a value; throws RangeException for a number that is not a value of the enumeration.
 template <Enumerated E>
 std::string_view enumName(E value) {
   const auto index = static_cast<std::size_t>(value);
@@ -28,7 +30,7 @@ std::string_view enumName(E value) {
   return Enumeration<E>::values[index];
 }
 
-/// The value of a number; raises RangeException when there is none.
+/// The value of a number; throws RangeException if there is none.
 template <Enumerated E>
 E enumFromNumber(U32 number) {
   if (number >= std::size(Enumeration<E>::values)) throwRange(Enumeration<E>::name, "max");

@@ -14,7 +14,7 @@ void throwRange(std::string_view typeName, std::string_view upperName) {
 
 void fatal(std::string_view text) noexcept {
   const std::string line = "fatal: " + std::string(text) + "\n";
-  // Nothing can be done about a standard error that takes no text: the abort still tells.
+  // A failed write to standard error is ignored; the abort follows anyway.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
   std::abort();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+// Exceptions of the framework, and fatal assertions.
+
 #include <stdexcept>
 #include <string_view>
 
@@ -25,7 +27,7 @@ class RangeException : public Exception {
   using Exception::Exception;
 };
 
-/// Raises the range error of a type: `typeName` in full, `upperName` the name of its upper limit.
+/// Throws the range error of a type: `typeName` is its full name, `upperName` the name of its upper limit.
 [[noreturn]] void throwRange(std::string_view typeName, std::string_view upperName);
 
 /// Writes the text to standard error and aborts.
@@ -33,6 +35,6 @@ class RangeException : public Exception {
 
 }  // namespace Vane
 
-/// A fatal assertion, in every build: when the condition does not hold, its own text goes to standard error
-/// and the process aborts.
+/// A fatal assertion, in every build: if the condition is false, writes its text to standard error and
+/// aborts.
 #define VANE_ASSERT(condition) ((condition) ? void() : ::Vane::fatal(#condition))

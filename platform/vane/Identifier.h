@@ -1,5 +1,7 @@
 #pragma once
 
+// Numbers with a checked range, such as FAP ids.
+
 #include <compare>
 #include <string_view>
 
@@ -8,9 +10,9 @@
 
 namespace Vane {
 
-/// A number within a fixed range. `Self` names itself in `vaneName` and its upper limit ("null" where the
-/// largest value stands for none, else "max") in `upperName`. Making or stepping one outside
-/// `Lowest` to `Highest` raises RangeException.
+/// A number within a fixed range. `Self::vaneName` is the name of the type, `Self::upperName` that of its
+/// upper limit ("null" if the largest value means none, otherwise "max"). Creating or incrementing one
+/// outside `Lowest` to `Highest` throws RangeException.
 template <class Self, class Rep, Rep Lowest, Rep Highest>
 class Identifier {
  public:
@@ -22,8 +24,8 @@ class Identifier {
     if (value < Lowest || value > Highest) throwRange(Self::vaneName, Self::upperName);
   }
 
-  /// The value that stands for none.
-  template <class Id = Self>  // a parameter of its own, since Self is complete only when it is called
+  /// The value that means none.
+  template <class Id = Self>  // a template parameter, because Self is incomplete until the call
   static constexpr Self null() requires(Id::upperName == "null") {
     return Self(Highest);
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+// The registry of modules: descriptors of types and attributes, and the generic attribute interface.
+
 #include <array>
 #include <memory>
 #include <span>
@@ -14,9 +16,9 @@ namespace Vane {
 
 // The op codes of the generic attribute interface.
 enum class OpCode : U8 {
-  read = 0,      // a plain attribute, or the item under a key
+  read = 0,      // an attribute, or the item of a key
   write = 1,     // an attribute, a collection's item (key, value), or an instantiation from arguments
-  del = 2,       // the item under a key, or what was instantiated; the removed one is the result
+  del = 2,       // the item of a key, or an instantiated object; the removed one is the result
   count = 3,     // U32
   version = 4,   // U32
   contains = 5,  // bool
@@ -29,7 +31,7 @@ enum class OpCode : U8 {
 
 enum class OpStatus : U8 { done = 0, opNotValid = 1, unknownAttribute = 2 };
 
-/// What an attribute is; a bit each.
+/// Properties of an attribute, one bit each.
 enum Flag : U16 {
   flagValue = 1,
   flagPointer = 2,
@@ -57,8 +59,8 @@ struct Parameters {
   constexpr std::span<const Parameter> all() const { return {list.data(), count}; }
 };
 
-/// The arguments given to `owner`, an operation or a constructor, read as the types it declares. A wrong
-/// number of them or a wrong type raises InternalException, which names the owner and the argument.
+/// The arguments of `owner`, an operation or a constructor, read as the types that it declares. A wrong
+/// number or type throws InternalException, which names the owner and the argument.
 class Arguments {
  public:
   Arguments(std::string_view owner, std::span<const Value> given) : owner_(owner), given_(given) {}
@@ -96,8 +98,8 @@ class Arguments {
   std::span<const Value> given_;
 };
 
-/// One request of the generic attribute interface: the key or the arguments, and for a collection's write the
-/// item. What the operation answers goes into `result`.
+/// One request of the generic attribute interface: the key or the arguments, and the item for a collection's
+/// write. The operation stores its result in `result`.
 struct Request {
   OpCode op;
   Arguments arguments;
@@ -105,7 +107,7 @@ struct Request {
   Value& result;
 };
 
-/// A walk over one collection or queue, which may change meanwhile.
+/// A walk over one collection or queue, which may change during the walk.
 class Cursor {
  public:
   Cursor() = default;
@@ -113,22 +115,22 @@ class Cursor {
   Cursor& operator=(const Cursor&) = delete;
   virtual ~Cursor() = default;
 
-  /// Whether the walk is at an entry. It holds a copy of that entry: key() and item() answer the same when it
-  /// has gone or changed meanwhile. The other calls are for a valid cursor only.
+  /// Whether the walk is at an entry. It holds a copy, so key() and item() stay the same if the entry is
+  /// changed or removed. Call the other functions for a valid cursor only.
   virtual bool valid() const = 0;
   /// The entry's key; an empty value in a queue.
   virtual Value key() const = 0;
   virtual Value item() const = 0;
   virtual void advance() = 0;
-  /// Removes the entry from its collection; the walk goes on with advance(). Raises InternalException in a
-  /// queue, which gives up its front only.
+  /// Removes the entry from its collection; advance() continues the walk. Throws InternalException for a
+  /// queue, of which only the front can be removed.
   virtual void del() = 0;
 };
 
 struct AttributeDescriptor {
   std::string_view name;
   U16 flags = 0;
-  std::string_view type;  // of the value or item; an operation's result
+  std::string_view type;  // of the value, the item, or an operation's result
   Parameters parameters;
   OpStatus (*op)(Mote::Node& object, const Request& request) = nullptr;
   std::unique_ptr<Cursor> (*cursor)(Mote::Node& object) = nullptr;  // collections and queues only
@@ -143,22 +145,21 @@ struct TypeDescriptor {
   Mote::Ptr<Mote::Node> (*construct)(const Arguments& arguments) = nullptr;
 
   bool isEnumeration() const { return construct == nullptr; }
-  /// A new object. Raises InternalException for arguments that are not the constructor's, and for an
-  /// enumeration.
+  /// Creates an object. Throws InternalException for wrong arguments, and for an enumeration.
   Mote::Ptr<Mote::Node> instance(std::span<const Value> arguments) const;
-  /// Null when the number, or the name, is none of this type's.
+  /// Null if the type has no attribute of that number or name.
   const AttributeDescriptor* attribute(U32 number) const;
   Optional<U32> numberOf(std::string_view attributeName) const;
 };
 
 struct ModuleDescriptor {
   std::string_view unit;
-  std::string_view symbol;                 // under which a library exports this descriptor
+  std::string_view symbol;                 // name under which a library exports this descriptor
   std::span<const std::string_view> uses;  // modules whose types this one uses
   std::span<const TypeDescriptor> types;   // in index order
 };
 
-/// Where an entity's type is registered.
+/// The registration of an entity's type.
 struct TypeData {
   const ModuleDescriptor& module;
   U32 index;
@@ -166,21 +167,20 @@ struct TypeData {
   const TypeDescriptor& type() const { return module.types[index]; }
 };
 
-/// Adds a module to the registry, and takes it out. Loading and unloading a library is serialised by the
-/// loader.
+/// Adds a module to the registry, and removes it. The loader serializes loading and unloading of libraries.
 void vaneModuleIs(const ModuleDescriptor& descriptor);
 void vaneModuleDel(const ModuleDescriptor& descriptor);
 /// The registered modules, in order of registration.
 std::span<const ModuleDescriptor* const> modules();
-/// A registered type by its full name, null when there is none.
+/// A registered type by its full name, null if there is none.
 const TypeDescriptor* findType(std::string_view name);
 
-/// The one entry point to the attributes of a registered entity. An op code that the attribute does not take
-/// and a number that is none of the type's come back as a status; missing or mistyped arguments raise
-/// InternalException; whatever an operation raises passes through.
+/// The only entry point to the attributes of a registered entity. Returns a status for an op code that is not
+/// valid for the attribute, and for an unknown attribute number. Missing arguments or wrong types throw
+/// InternalException. Exceptions of the operation reach the caller.
 OpStatus genericIfAttributeOp(Mote::Node& object, Value& result, U32 attribute, U8 op,
                               std::span<const Value> arguments, const Value& value = {});
-/// A walk over a collection or queue attribute of a registered entity, null when the number is none of one.
+/// A walk over a collection or queue attribute of a registered entity; null if the number is not that of one.
 std::unique_ptr<Cursor> genericIfCursor(Mote::Node& object, U32 attribute);
 
 }  // namespace Vane

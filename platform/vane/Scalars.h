@@ -1,5 +1,7 @@
 #pragma once
 
+// Optional values and times.
+
 #include <compare>
 #include <optional>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Names of types in the registry.
+
 #include <array>
 #include <string_view>
 #include <type_traits>
@@ -10,7 +12,7 @@
 
 namespace Vane {
 
-/// The name under which a type stands in the registry. Classes give theirs in `vaneName`.
+/// The name of a type in the registry. Classes define it as `vaneName`.
 template <class T>
 struct TypeName {
   static constexpr std::string_view value = T::vaneName;
@@ -32,7 +34,7 @@ template <> struct TypeName<Mote::Node> { static constexpr std::string_view valu
 template <> struct TypeName<Mote::String> { static constexpr std::string_view value = "Mote::String"; };
 // clang-format on
 
-/// Texts joined at compile time.
+/// Texts concatenated at compile time.
 template <const std::string_view&... parts>
 struct Joined {
   static constexpr auto text = [] {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Values of any type, as the generic attribute interface passes them.
+
 #include <any>
 #include <string_view>
 #include <type_traits>
@@ -16,23 +18,23 @@ class Value;
 template <class T>
 concept Carried = !std::is_same_v<std::remove_cvref_t<T>, Value>;
 
-/// A value on its way through the generic attribute interface: an argument, a key, an item or a result. It
-/// carries its type, so that a mistaken one is an exception and never a wild read. Enumerators travel as
-/// their number (U8), and may be given and read as one; nodes travel as counted handles.
+/// A value that is passed through the generic attribute interface: an argument, a key, an item or a result.
+/// It carries its type, so that a wrong type throws instead of causing an invalid read. Enumerators are
+/// passed as their number (U8), and may be given and read as one; nodes are passed as counted handles.
 class Value {
  public:
   Value() = default;
 
-  template <Carried T>  // which keeps copies and moves out
+  template <Carried T>  // so that copy and move construction are not affected
   Value(T&& value)      // NOLINT(bugprone-forwarding-reference-overload)
       : Value(std::in_place, std::remove_cvref_t<T>(std::forward<T>(value))) {}
 
   bool empty() const noexcept { return !held_.has_value(); }
-  /// The name of the type held, "nothing" when empty.
+  /// The name of the type held, "nothing" if empty.
   std::string_view type() const noexcept { return type_; }
 
-  /// The value as a T. Raises InternalException when it holds another type; a null handle is a handle of
-  /// every node type, and a handle to a mutable node also one to a constant node.
+  /// The value as a T. Throws InternalException if it holds another type. A null handle can be read as a
+  /// handle to any node type, a handle to a mutable node also as one to a constant node.
   template <class T>
   T as() const {
     return Reader<T>::read(*this);
@@ -47,7 +49,7 @@ class Value {
   template <class T>
   struct Reader {
     static T read(const Value& value) {
-      // An enumerator is held as its number: it is read from any plain number, and as one.
+      // An enumerator is held as its number: any U8 can be read as one, and it as a U8.
       using Held = std::conditional_t<Enumerated<T>, U8, T>;
       const Held* held = std::any_cast<Held>(&value.held_);
       const bool fits = !Enumerated<T> || value.type_ == typeName<T> || value.type_ == typeName<U8>;

@@ -1,11 +1,13 @@
 #pragma once
 
+// The frame around the body of an operation.
+
 #include "platform/Mote.h"
 #include "platform/tabula.h"
 
 namespace LoamCounters {
 
-/// Writes one answer to `fd` in the format `fmt`, through the one Printer of an operation's call.
+/// Runs `body` with a new Printer for `fd` and the format `fmt`, and completes the output.
 template <class Body>
 decltype(auto) answer(U32 fd, U32 fmt, Body&& body) {
   tabula::Printer printer(static_cast<int>(fd), fmt, true, false, true, 0);

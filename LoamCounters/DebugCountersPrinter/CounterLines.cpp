@@ -57,7 +57,7 @@ void printCounterValue(tabula::Printer& printer, const Mote::String& name,
   const std::string_view value = unfetched ? "n/a" : count;
   const Mote::String firstUpdate = allTimes ? timeText(counter.firstUpdate) : "";
   const Mote::String lastUpdate = timeText(counter.lastUpdate);
-  // A discontinuity before the first update is of an earlier life of the counter; a NaN is none.
+  // A discontinuity before the first update belongs to an earlier counter, and is not shown; nor is a NaN.
   const bool discontinuity =
       allTimes && counter.lastDiscontinuity != never && counter.lastDiscontinuity >= counter.firstUpdate;
 

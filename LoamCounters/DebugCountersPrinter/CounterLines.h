@@ -1,6 +1,6 @@
 #pragma once
 
-// The lines of the debug counter table, in text only: the column titles, and the lines of one counter.
+// Prints the lines of the debug counter table, as text only: the column titles, and the lines of one counter.
 
 #include "platform/BrimCounters.h"
 #include "platform/Mote.h"
@@ -10,16 +10,16 @@ namespace LoamCounters {
 
 void printDebugCountersTitles(tabula::Printer& printer);
 
-/// One counter value. Raises InternalException for a fetch or display type that is not supported, before
-/// anything of the line is written.
+/// Prints the line of one counter value. Throws InternalException for an unsupported fetch or display type,
+/// before any part of the line is written.
 void printCounterValue(tabula::Printer& printer, const Mote::String& name,
                        Brim::Counters::CounterFetchType fetchType,
                        Brim::Counters::CounterDisplayType displayType,
                        const Brim::Counters::Counter& counter);
 
-/// The lines of one instance of a counter, preceded by the line of its section `blockName` when
-/// `printSectionName` is set and a line follows. With `drops`, only what counts drops. `extraDescription`
-/// ends every printed name. Answers whether the section line is still due.
+/// Prints the lines of one instance of a counter, after the line of its section `blockName` if
+/// `printSectionName` is set and a line follows. With `drops`, prints drop counters only. `extraDescription`
+/// is appended to every name. Returns whether the section line is still to be printed.
 bool printCounter(tabula::Printer& printer, const Brim::Counters::CounterDescriptor::PtrConst& descriptor,
                   const Mote::String& snapshot, const Brim::Counters::ShmemManager::PtrConst& shmemMgr,
                   bool drops, bool printSectionName, const Mote::String& blockName, U32 instance,

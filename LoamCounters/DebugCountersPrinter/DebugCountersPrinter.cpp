@@ -6,8 +6,8 @@
 #include "platform/Wisp.h"
 #include "platform/tabula.h"
 
-// The operations use nothing of the object: it is there for the entity framework to call them on. They hold
-// counted handles of their own to what they read.
+// The operations do not use the object, which exists so that the entity framework can call them. They hold
+// their own handles to the objects that they read.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 
 namespace LoamCounters {

@@ -1,7 +1,8 @@
 #pragma once
 
-// What the CLI hands to the debug counter report: per FAP name its counters' descriptors, and the reader of
-// their values. The two mappings of one report have the same names. No value is null: setting null removes.
+// The arguments of the debug counter report: for each FAP name the descriptors of its counters, and the
+// reader of their values. The two mappings of a report must have the same names. No value is null: setting
+// null removes the entry.
 
 #include <string_view>
 
@@ -24,7 +25,7 @@ class FapDescriptorMapping : public Vane::Entity<FapDescriptorMapping> {
   void fapDescriptorIs(const Mote::String& fapName, const FapDescriptor::PtrConst& descriptor) {
     descriptors_.setUnlessNull(fapName, descriptor);
   }
-  /// The descriptor that was removed; null when there was none.
+  /// Removes and returns the descriptor; null if there is none.
   FapDescriptor::PtrConst fapDescriptorDel(const Mote::String& fapName) {
     return descriptors_.remove(fapName);
   }
@@ -53,7 +54,7 @@ class ShmemMgrMapping : public Vane::Entity<ShmemMgrMapping> {
   void shmemMgrIs(const Mote::String& fapName, const Manager& manager) {
     managers_.setUnlessNull(fapName, manager);
   }
-  /// The manager that was removed; null when there was none.
+  /// Removes and returns the manager; null if there is none.
   Manager shmemMgrDel(const Mote::String& fapName) { return managers_.remove(fapName); }
   void shmemMgrDelAll() { managers_.clear(); }
 

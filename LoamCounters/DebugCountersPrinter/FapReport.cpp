@@ -20,7 +20,7 @@ std::vector<Mote::String> naturallySorted(std::vector<Mote::String> names) {
   return names;
 }
 
-/// What one report prints of every FAP.
+/// The part of a report for one FAP.
 struct Report {
   tabula::Printer& printer;
   const Mote::String& snapshot;
@@ -28,7 +28,7 @@ struct Report {
 
   void printFap(const Mote::String& fapName, const FapDescriptor& descriptor,
                 const ShmemManager::PtrConst& shmemMgr, const Vane::Optional<Mote::String>& blockName) const {
-    // The descriptor's owner may put another directory into it; this FAP's blocks are of this one.
+    // The descriptor's owner may replace the directory; all blocks of this FAP are read from this one.
     const CounterDescriptorDir::PtrConst directory = descriptor.counterDescriptorDir;
     printFapName(printer, fapName);
     printDebugCountersTitles(printer);
@@ -54,7 +54,7 @@ struct Report {
     return directory != nullptr && directory->valid() && directory->readiness() != 0;
   }
 
-  // Without a line end: what follows, another FAP's title, begins with one.
+  // Without a line end: the title of the next FAP begins with one.
   void printNotValid(const Mote::String& fapName) const {
     printer.addFrills<"FapDescriptors are not valid for: %s">(fapName);
   }

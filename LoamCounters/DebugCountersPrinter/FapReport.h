@@ -1,6 +1,7 @@
 #pragma once
 
-// The debug counter report, in text only: a FAP's title, a block's counters, and every FAP's blocks.
+// Prints the debug counter report, as text only: the title of a FAP, the counters of a block, and the blocks
+// of all FAPs.
 
 #include "LoamCounters/DebugCountersPrinter/DescriptorMappings.h"
 #include "platform/BrimCounters.h"
@@ -10,17 +11,17 @@
 
 namespace LoamCounters {
 
-/// The title, underlined.
+/// Prints the underlined title.
 void printFapName(tabula::Printer& printer, const Mote::String& fapName);
 
-/// The counters of one block, in natural order, under the section line of the block; nothing when no line of
-/// it is to be shown.
+/// Prints the counters of one block in natural order, after the section line of the block. Prints nothing if
+/// the block has no lines to show.
 void printDebugCountersBlock(tabula::Printer& printer,
                              const Brim::Counters::CounterBlockDescriptorPtrDir::PtrConst& block,
                              const Brim::Counters::ShmemManager::PtrConst& shmemMgr,
                              const Mote::String& snapshot, bool drops, const Mote::String& blockName);
 
-/// The FAPs in natural order: of each all its blocks, or the one named `blockName` in any case. Raises
+/// Prints the FAPs in natural order, with all blocks or the one named `blockName` (case-insensitive). Throws
 /// InternalException for a FAP without a manager, before anything of that FAP is printed.
 void printFapReport(tabula::Printer& printer, const ShmemMgrMapping::PtrConst& shmemMgrs,
                     const FapDescriptorMapping::PtrConst& fapDescriptors, const Mote::String& snapshot,

@@ -1,5 +1,5 @@
-// What this unit registers: its types, with the numbers, names, kinds, value types and parameters of their
-// attributes.
+// The registration of this unit: its types, with the numbers, names, kinds, value types and parameters of
+// their attributes.
 
 #include <iostream>
 #include <string_view>
@@ -47,7 +47,7 @@ constexpr std::string_view uses[] = {"Brim/Counters/ShmemManager", "LoamCounters
 
 }  // namespace
 
-// The symbol is this unit's in the exporting library.
+// The symbol of this unit in the exporting library.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" constexpr Vane::ModuleDescriptor _DebugCountersPrinter_7b5872ac678f736f_vaneModule{
     "LoamCounters/DebugCountersPrinter", "_DebugCountersPrinter_7b5872ac678f736f_vaneModule", uses, types};

@@ -1,8 +1,8 @@
 #pragma once
 
-// The bodies of the six show commands. Each writes one whole answer through the given Printer. With a status
-// or an accessor that is null, a command writes its headings and empty collections, those of the sources that
-// it still knows among them, and reads no counter.
+// The bodies of the six show commands. Each writes its complete output through the given Printer. If the
+// status or an accessor is null, a command writes its headings and empty collections (also for each source,
+// if the status is there), and reads no counter.
 
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "platform/CounterAgent.h"
@@ -18,7 +18,7 @@ void printShowInterfacesQueueCounters(tabula::Printer& printer, U32 fmt,
                                       const AllIntfList::PtrConst& intfLists,
                                       const Hardware::Loam::Status::PtrConst& status, bool internal);
 
-/// The ingress half of it. Opens the JSON model and leaves it open.
+/// The ingress half of the above. Leaves the JSON model open.
 void printShowInterfacesQueueCountersOnlyIngress(tabula::Printer& printer,
                                                  const CounterEngineAccessor::PtrConst& accessor,
                                                  const AllIntfList::PtrConst& allIntfList,
@@ -43,7 +43,7 @@ void printShowInterfacesQueueDropsCounters(tabula::Printer& printer, U32 fmt,
                                            const AllIntfList::PtrConst& intfLists,
                                            const Hardware::Loam::Status::PtrConst& status);
 
-/// Egress ACL drop counters of the interfaces as they are listed. Nothing without an interface list.
+/// Egress ACL drop counters of the listed interfaces. Nothing without an interface list.
 void printShowInterfacesEgressAclDropCounters(tabula::Printer& printer, U32 fmt,
                                               const IntfList::PtrConst& intfList,
                                               const EgressAclCountersAccessor::Ptr& accessor,

@@ -10,7 +10,7 @@ namespace {
 using Hardware::Loam::Status;
 using Hardware::Loam::SystemPhyPortId;
 
-/// A set that the first call publishes that finds something to put into it. It stays as long as the process.
+/// A set that is filled by the first call that finds a member, and kept until the process ends.
 class FilledOnce {
  public:
   template <class Fill>
@@ -20,7 +20,7 @@ class FilledOnce {
       auto filled = std::make_unique<IntfIdSet>();
       fill(*filled);
       if (filled->empty()) return {};
-      // Of several threads that come here, one publishes.
+      // If several threads come here, only one stores its set.
       if (set_.compare_exchange_strong(published, filled.get())) published = filled.release();
     }
     return *published;

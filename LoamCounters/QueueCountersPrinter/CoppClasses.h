@@ -1,5 +1,7 @@
 #pragma once
 
+// The CoPP classes of the CPU queue command.
+
 #include <set>
 
 #include "platform/HardwareLoam.h"
@@ -14,13 +16,13 @@ struct IntfIdCmp {
 
 using IntfIdSet = std::set<Nexo::IntfId, IntfIdCmp>;
 
-/// Adds the interfaces of the system ports from `first` to `last`, both inclusive. A port without one adds
-/// nothing.
+/// Adds the interfaces of the system ports from `first` to `last`, both inclusive. Ports without an interface
+/// are skipped.
 void countersPerCpuClassHelper(U32 first, U32 last, const Hardware::Loam::Status::PtrConst& status,
                                IntfIdSet& set);
 
-/// The interfaces of the CoPP classes, each class set found once per process: the first status that has any
-/// decides. Without a lock, and safe in several threads at once.
+/// The interfaces of the CoPP classes. Each set is determined once per process, by the first status with such
+/// a class. Thread-safe, without a lock.
 IntfIdSet coppQueueClasses(const Hardware::Loam::Status::PtrConst& status);
 IntfIdSet coppPolicerClasses(const Hardware::Loam::Status::PtrConst& status);
 

@@ -66,7 +66,7 @@ EgressAclCountersAccessor::Ptr CountersPrinter::egressAclCountersAccessorDel() {
 
 namespace {
 
-/// What a command that translates its interfaces was given and reads.
+/// Handles to the arguments and the state of a command that translates its interfaces.
 struct Held {
   CountersPrinter::StatusPtr status;
   CountersPrinter::TmMappingPtr tmMapping;
@@ -83,9 +83,9 @@ struct Held {
 
 }  // namespace
 
-// Every operation holds counted handles of its own to what it was given and what it reads, so that all of it
-// stays until the work ends, whatever the caller drops or replaces during the call, and is released before an
-// interrupt is spoken of.
+// Every operation holds its own handles to its arguments and to the state that it reads, so that these exist
+// until the work ends, even if the caller releases or replaces them during the call. They are released before
+// the line "exiting ..." is written.
 
 void CountersPrinter::showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList,
                                                   bool internal, bool /*detail*/) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+// The entity of the show commands.
+
 #include <string_view>
 
 #include "LoamCounters/QueueCountersPrinter/Instantiated.h"
@@ -12,10 +14,11 @@
 
 namespace LoamCounters {
 
-/// The entity through which the CLI asks for queue, CPU queue, drop, egress ACL and egress MTU counters. It
-/// holds the state objects and two accessors, any of them possibly null; a show operation changes none of it.
-/// Each operation writes one whole answer to `fd` in the format `fmt` (1 text, 2 JSON). An interrupt ends an
-/// operation early, with the line "exiting ..." on standard output; other exceptions reach the caller.
+/// The entity with the show operations of the CLI: queue, CPU queue, drop, egress ACL and egress MTU
+/// counters. It holds the state objects and two accessors, each possibly null; show operations do not change
+/// them. Each operation writes its complete output to `fd` in the format `fmt` (1 text, 2 JSON). An interrupt
+/// ends an operation early, with the line "exiting ..." on standard output; other exceptions reach the
+/// caller.
 class CountersPrinter : public Vane::Entity<CountersPrinter> {
  public:
   using Ptr = Mote::Ptr<CountersPrinter>;
@@ -28,7 +31,7 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
   using EntityManagerPtr = Cortex::EntityManager::Ptr;
   static constexpr std::string_view vaneName = "LoamCounters::CountersPrinter";
 
-  /// Makes both accessors, the egress ACL one never as a mount-mode writer.
+  /// Creates both accessors, the egress ACL accessor never as a mount-mode writer.
   CountersPrinter(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
                   const LagStatusPtr& internalLagStatus, const TcMappingPtr& trafficClassMapping,
                   const EngineStatusPtr& counterEngineStatus, const EntityManagerPtr& entityManager,
@@ -47,8 +50,8 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
   EntityManagerPtr entityManager() const { return entityManager_; }
   bool skeinMountMode() const { return skeinMountMode_; }
 
-  /// The source of ingress, egress and MTU counters. `Is` answers the accessor held when it was made from the
-  /// same arguments, else makes a new one; `Del` removes it and answers what was held.
+  /// The source of ingress, egress and MTU counters. `Is` returns the current accessor if it was created from
+  /// the same arguments, otherwise a new one; `Del` removes and returns it.
   CounterEngineAccessor::Ptr fapCounterAccessor() const { return fapCounterAccessor_.held(); }
   CounterEngineAccessor::Ptr fapCounterAccessorIs(const StatusPtr& loamStatus, const TmMappingPtr& tmMapping,
                                                   const LagStatusPtr& internalLagStatus,
@@ -56,7 +59,7 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
                                                   const EntityManagerPtr& entityManager, bool skeinMountMode);
   CounterEngineAccessor::Ptr fapCounterAccessorDel();
 
-  /// The source of egress ACL counters and egress MTU totals, likewise.
+  /// The same for the source of egress ACL counters and egress MTU totals.
   EgressAclCountersAccessor::Ptr egressAclCountersAccessor() const {
     return egressAclCountersAccessor_.held();
   }
@@ -66,7 +69,7 @@ class CountersPrinter : public Vane::Entity<CountersPrinter> {
                                                              bool isMountModeWriter);
   EgressAclCountersAccessor::Ptr egressAclCountersAccessorDel();
 
-  /// `internal` adds special interfaces and fabric multicast queues; `detail` changes nothing.
+  /// `internal` adds special interfaces and fabric multicast queues; `detail` has no effect.
   void showInterfacesQueueCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList, bool internal,
                                    bool detail) const;
   void showInterfacesQueueIngressCounters(U32 fd, U32 fmt, const IntfList::PtrConst& intfList, bool internal,

@@ -22,8 +22,8 @@ constexpr U32 noQueueCol = 0;
 constexpr U32 firstCpuPort = 2;
 constexpr U32 lastCpuPort = 6;
 
-/// The labels of a class's VOQs: where each input port has a VOQ of its own, the port's name, else the
-/// traffic class. The aggregate core's ports count from 0.
+/// The labels of a class's VOQs: the port's name if each input port has its own VOQ, otherwise the traffic
+/// class. The ports of the core with the number of the aggregate core count from 0.
 std::vector<Mote::String> voqLabels(const Status& status, FapId fapId, LocalCoreId coreId,
                                     bool perInputPort) {
   constexpr U32 portsPerCore = 64;

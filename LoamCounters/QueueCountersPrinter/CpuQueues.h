@@ -14,8 +14,8 @@ namespace LoamCounters {
 /// Counts by destination type.
 using CpuPortCounters = std::array<CounterQuad, 2>;
 
-/// The rows of one table: every CoPP class of one set, from one source. Policer classes are always totals; a
-/// table of totals has no queue column (`queueColWidth` 0), any other has one.
+/// Prints the rows of one table: all CoPP classes of one set, from one source. Policer classes always have
+/// totals. A table of totals has no queue column (`queueColWidth` 0), others have one.
 void printCpuIngressCountersPerCoppClass(tabula::Printer& printer,
                                          const CounterEngineAccessor::PtrConst& accessor,
                                          const Hardware::Loam::Status::PtrConst& status, FapId fapId,
@@ -23,8 +23,8 @@ void printCpuIngressCountersPerCoppClass(tabula::Printer& printer,
                                          bool totalsOnly, bool perInputPortCoppVoqsSupported,
                                          QueueCountersAttrs& attrs);
 
-/// Adds an interface's counts over its traffic classes. A queue that traffic classes t and t + 4 share counts
-/// once, under t.
+/// Adds the counts of all traffic classes of an interface. A queue that traffic classes t and t + 4 share is
+/// counted once, as that of t.
 void addIntfEgrCpuCounters(const CounterEngineAccessor::PtrConst& accessor, CpuPortCounters& cpuPortCounters,
                            Nexo::IntfId intf, bool queueMode);
 

@@ -22,7 +22,7 @@ struct Pass {
   void print(const Record& record, U32 lastTc) const {
     constexpr bool unicastOnly = std::is_same_v<Record, EgressCounter>;
     constexpr bool hasSharedPairs = std::is_same_v<Record, EgressTmCounter>;
-    // A pass over one destination type steps over the other's quad in records that hold both.
+    // A pass over one destination type skips the quad of the other in records that have both.
     const bool skipsOther = !unicastOnly && fmt == tabula::formatJson;
     const U32 stride = skipsOther ? destTypes * countsPerQuad : countsPerQuad;
     U64 index = U64{firstDestType} * countsPerQuad;
@@ -155,7 +155,7 @@ void printIntfTcEgrQuads(tabula::Printer& printer, U32 fmt, const CounterQuad& s
   for (const U32 destType : {destTypeUnicast, destTypeMulticast}) {
     const Mote::String destLabel = destTypeLabel(destType, fmt);
     printer.startSubmodel(destLabel);
-    printer.addFrills<" - %s %-6s %7s ">(allDpLabel, destLabel, "");  // 15 columns to the label
+    printer.addFrills<" - %s %-6s %7s ">(allDpLabel, destLabel, "");  // the label is 15 columns wide
     printCounterColumns(printer, destType == destTypeUnicast ? unicast : multicast, attrs);
     printer.endSubmodel();
   }

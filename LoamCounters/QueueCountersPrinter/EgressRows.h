@@ -1,6 +1,6 @@
 #pragma once
 
-// The egress queue rows of one interface, from a record in any of its three shapes.
+// Prints the egress queue rows of one interface, from a record of any of the three kinds.
 
 #include "LoamCounters/QueueCountersPrinter/QueueCountersAttrs.h"
 #include "platform/CounterAgent.h"
@@ -8,12 +8,12 @@
 
 namespace LoamCounters {
 
-/// The entry byte of every EgressCounterKey that the commands read with.
+/// The entry byte of every EgressCounterKey that the commands use.
 inline constexpr U8 egressKeyEntry = 56;
 
 /// All egress rows of one interface. `useTmCounters` reads the queue-mode record; `lagAmbiguousRows` adds a
 /// port channel's four rows of shared traffic classes. In text the two destination types of a traffic class
-/// follow each other; in JSON each has a submodel of its own.
+/// follow each other; in JSON each has its own submodel.
 void printEgressCountersPerIntf(Nexo::IntfId intf, tabula::Printer& printer, U32 fmt,
                                 const CounterEngineAccessor::PtrConst& accessor, QueueCountersAttrs& attrs,
                                 bool useTmCounters, bool lagAmbiguousRows);
@@ -24,14 +24,15 @@ void printEgressCountersPerIntfHelper(Nexo::IntfId intf, tabula::Printer& printe
                                       QueueCountersAttrs& attrs, U32 firstDestType, U32 lastDestType,
                                       bool useTmCounters, bool lagAmbiguousRows);
 
-/// One row. In JSON the row of traffic class 0 opens the interface's collection and the row that makes
-/// `tcCount` reach `lastTc` + 1 closes it. A `cpuQueue` row is an interface's only one of its destination
-/// type; it has no traffic class and no drop precedence.
+/// Prints one row. In JSON the row of traffic class 0 opens the interface's collection, and the row in which
+/// `tcCount` is `lastTc` + 1 closes it. A `cpuQueue` row is the interface's only one of its destination type;
+/// it has no traffic class and no drop precedence.
 void printEgressCounters(tabula::Printer& printer, U32 fmt, Nexo::IntfId intf, U32 tc, U32 lastTc,
                          const Mote::String& tcLabel, U32 tcCount, const Mote::String& dpLabel, U32 destType,
                          bool cpuQueue, const CounterQuad& row, QueueCountersAttrs& attrs);
 
-/// A traffic class of a queue-mode record in the drops table: the sum of both destination types, then each.
+/// Prints a traffic class of a queue-mode record in the drops table: the sum of both destination types, then
+/// each of them.
 void printIntfTcEgrCounters(tabula::Printer& printer, U32 fmt, U32 tc, const EgressTmCounter& counter,
                             QueueCountersAttrs& attrs);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// The walk over FAPs and their cores.
+
 #include <algorithm>
 #include <vector>
 
@@ -10,17 +12,17 @@
 namespace LoamCounters {
 
 /// A walk over the cores of the switch's FAPs in ascending order, repeatable within one command. FAPs without
-/// cores are passed over. What the walk reads of the status is read again only when the status has changed;
-/// then the walk goes on with the next higher FAP.
+/// cores are skipped. The walk keeps a copy of the names and numbers of cores. It reads the status again only
+/// if these have changed, and continues with the next higher FAP.
 class FapCores {
  public:
-  /// When a step to the next core passes the core number's range check.
+  /// When the walk increments the core number, which checks its range.
   enum class Step : U8 { toAnotherCore, afterEveryCore };
 
   explicit FapCores(Hardware::Loam::Status::PtrConst status) : status_(std::move(status)) {}
 
-  /// Calls visit(fapId, coreId, label) for each core. Raises the core number's range error on a step past the
-  /// highest core.
+  /// Calls visit(fapId, coreId, label) for each core. Throws the core number's range error on a step beyond
+  /// the highest core.
   template <class Visit>
   void walk(Step step, Visit visit) {
     if (!current()) read();
@@ -45,7 +47,7 @@ class FapCores {
   struct Fap {
     Hardware::Loam::FapId id;
     U16 numCores;
-    std::vector<Mote::String> coreLabels;  // of the cores within the core number's range
+    std::vector<Mote::String> coreLabels;  // for the cores in the range of core numbers
   };
 
   bool current() const;
@@ -54,7 +56,7 @@ class FapCores {
 
   Hardware::Loam::Status::PtrConst status_;
   std::vector<Fap> faps_;
-  // The versions of the status collections that faps_ was read from, once it was.
+  // Whether faps_ was read, and the versions of the status collections at that time.
   bool wasRead_ = false;
   U32 namesVersion_ = 0;
   U32 coresVersion_ = 0;

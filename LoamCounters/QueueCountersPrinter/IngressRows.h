@@ -1,6 +1,7 @@
 #pragma once
 
-// The ingress (VOQ) tables: a block's head, an interface's rows, and the row of a fabric multicast VOQ.
+// Prints the ingress (VOQ) tables: the heading of a table, the rows of an interface, and the row of a fabric
+// multicast VOQ.
 
 #include <vector>
 
@@ -14,31 +15,32 @@ namespace LoamCounters {
 /// Width of the queue column of a table by interface and traffic class.
 inline constexpr U32 trafficClassColWidth = 7;
 
-/// A block's head, in text only. `queueColWidth` is 0 for a table without a queue column; `subtitle` may be
-/// empty.
+/// Prints the heading of a table, in text only. `queueColWidth` is 0 for a table without a queue column;
+/// `subtitle` may be empty.
 void printIngressQueueCounterHeader(tabula::Printer& printer, const Mote::String& title, bool cpuClassHeader,
                                     U32 queueColWidth, const Mote::String& subtitle);
 
-/// One row per queue, or with `totalOnly` the total as the one row. `intfName` names an interface without an
-/// id. The rows stand under "ports" or "trafficClasses" in JSON. Raises the index's range error after the
-/// eightieth row, and std::out_of_range before a row that `queueNames` has no label for.
+/// Prints one row per queue, or with `totalOnly` only the total. `intfName` is the name of an interface
+/// without an id. In JSON the rows are members of "ports" or "trafficClasses". Throws the index's range error
+/// after the eightieth row, and std::out_of_range before a row without a label in `queueNames`.
 void printIngressCounters(tabula::Printer& printer, Nexo::IntfId intf, const Mote::String& intfName,
                           U32 queuesPerPort, const std::vector<Mote::String>& queueNames, U32 queueColWidth,
                           bool totalOnly, bool keyedByPort, const IngressTcCounter& counters,
                           QueueCountersAttrs& attrs);
 
-/// The row of one fabric multicast VOQ; `voqId` is within the fabric multicast range.
+/// Prints the row of one fabric multicast VOQ; `voqId` is in the fabric multicast range.
 void printFabricMcastCounters(tabula::Printer& printer, Nexo::IntfId intf, U32 voqId,
                               const IngressCounter& counter, QueueCountersAttrs& attrs);
 
 /// The rows of a command's interfaces, special interfaces and fabric multicast VOQs, from one source.
 class IngressTable {
  public:
-  /// All must outlive the table. `status` and `accessor` are not null, the interface list is set.
+  /// All arguments must outlive the table. The interface list must be set.
   IngressTable(tabula::Printer& printer, const CounterEngineAccessor& accessor, const AllIntfList& intfLists,
                const Hardware::Loam::Status& status, QueueCountersAttrs& attrs);
 
-  /// The null FAP and the aggregate core stand for all sources. `internal` adds what the user did not name.
+  /// The null FAP and the aggregate core mean all sources. `internal` adds special interfaces and fabric
+  /// multicast VOQs.
   void print(FapId fap, LocalCoreId core, bool internal);
 
  private:

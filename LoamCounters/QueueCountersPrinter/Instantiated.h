@@ -1,5 +1,7 @@
 #pragma once
 
+// Storage of an instantiating attribute.
+
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -8,15 +10,15 @@
 
 namespace LoamCounters {
 
-/// An object that is made on demand and kept, together with the arguments that it was made from.
+/// An object that is created on demand and kept, together with the arguments of its constructor.
 template <class Object, class... Arguments>
 class Instantiated {
  public:
   using Ptr = Mote::Ptr<Object>;
 
-  /// Null when there is none.
+  /// Null if there is none.
   const Ptr& held() const noexcept { return held_; }
-  /// The object held, when it was made from these arguments, else a new one in its place.
+  /// The current object, if it was created from these arguments; otherwise replaces it by a new one.
   const Ptr& is(const Arguments&... arguments) {
     if (madeFrom_ != std::tie(arguments...)) {
       held_ = Mote::make<Object>(arguments...);
@@ -24,7 +26,7 @@ class Instantiated {
     }
     return held_;
   }
-  /// Gives up the object held and answers it.
+  /// Removes and returns the current object.
   Ptr del() {
     madeFrom_.reset();
     return std::exchange(held_, nullptr);

@@ -14,7 +14,7 @@ void printEgressQueues(tabula::Printer& printer, U32 fmt, const CounterEngineAcc
                        QueueCountersAttrs& attrs) {
   const bool portModeDefault = anyFapUsingEgqPortMode(status);
   const bool queueModeDefault = anyFapUsingEgqQueueMode(status);
-  // An interface without a FAP takes both defaults, so it can be printed in both shapes.
+  // An interface without a FAP has both defaults, so it may be printed in both modes.
   const auto printIntf = [&](Nexo::IntfId intf, bool lagAmbiguousRows) {
     if (intfUsesEgqPortMode(intf, status, portModeDefault)) {
       printEgressCountersPerIntf(intf, printer, fmt, accessor, attrs, false, lagAmbiguousRows);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The selections of interfaces that travel from the code that chooses them to the code that prints them, and
-// the order in which a reader sees them.
+// Interface lists, which are passed from the code that selects interfaces to the code that prints them, and
+// the order of special interfaces.
 
 #include <ostream>
 #include <string_view>
@@ -70,7 +70,7 @@ template <class E>
 concept IntfOrdering =
     std::is_same_v<E, SpecialIngressIntfOrdering> || std::is_same_v<E, SpecialEgressIntfOrdering>;
 
-/// The name of a kind. Raises RangeException for a number that is none.
+/// The name of a kind. Throws RangeException for an unknown number.
 template <IntfOrdering E>
 Mote::String stringValue(E kind) {
   return Vane::enumName(kind);
@@ -80,13 +80,13 @@ std::ostream& operator<<(std::ostream& out, E kind) {
   return out << Vane::enumName(kind);
 }
 
-/// The kind of a number, and of a name. Raise RangeException when there is none.
+/// The kind of a number, and of a name. Throw RangeException if there is none.
 SpecialIngressIntfOrdering SpecialIngressIntfOrderingInstance(U32 number);
 SpecialIngressIntfOrdering SpecialIngressIntfOrderingInstance(const Mote::String& name);
 SpecialEgressIntfOrdering SpecialEgressIntfOrderingInstance(U32 number);
 SpecialEgressIntfOrdering SpecialEgressIntfOrderingInstance(const Mote::String& name);
 
-/// Parses a kind's name. Leaves `kind` alone and answers false when the characters are none.
+/// Parses a kind's name. Returns false, without a change of `kind`, if there is no kind of that name.
 template <IntfOrdering E>
 bool sequenceToValue(const char* begin, const char* end, E& kind) {
   const auto found = Vane::enumFromName<E>(std::string_view(begin, static_cast<std::size_t>(end - begin)));
@@ -106,7 +106,8 @@ class IntfList : public Vane::Entity<IntfList> {
 
   const Mote::RQueue<Nexo::IntfId>& intfs() const { return intfs_; }
   void intfEnq(Nexo::IntfId intf) { intfs_.enq(intf); }
-  /// The front interface, which is removed. On an empty queue this and the two below answer the empty id.
+  /// Removes and returns the front interface. On an empty queue, this function and the next two return the
+  /// empty id.
   Nexo::IntfId intfDeq() { return intfs_.deq(); }
   Nexo::IntfId intfFront() const { return intfs_.front(); }
   Nexo::IntfId intfBack() const { return intfs_.back(); }
@@ -120,7 +121,7 @@ inline IntfList::Ptr intfListFactory() {
   return IntfList::IntfListIs();
 }
 
-/// Everything that one command shows. An entry of a special map is there exactly when a list was set for its
+/// All interfaces that one command shows. A special map has an entry for a kind if a list was set for that
 /// kind; the list may be empty.
 class AllIntfList : public Vane::Entity<AllIntfList> {
  public:
@@ -137,8 +138,8 @@ class AllIntfList : public Vane::Entity<AllIntfList> {
   IntfList::Ptr intfList() const { return intfList_; }
   void intfListIs(const IntfList::Ptr& list) { intfList_ = list; }
 
-  /// The special ingress interfaces by kind. A look-up answers null when there is no entry; setting null
-  /// removes.
+  /// The special ingress interfaces by kind. A look-up returns null if there is no entry; setting null
+  /// removes the entry.
   const IngressMap& specialIngressIntfLists() const { return specialIngress_; }
   IntfList::Ptr specialIngressIntfList(SpecialIngressIntfOrdering kind) const {
     return specialIngress_.get(kind);
@@ -151,7 +152,7 @@ class AllIntfList : public Vane::Entity<AllIntfList> {
   }
   void specialIngressIntfListDelAll() { specialIngress_.clear(); }
 
-  /// The special egress interfaces, likewise.
+  /// The special egress interfaces, in the same way.
   const EgressMap& specialEgressIntfLists() const { return specialEgress_; }
   IntfList::Ptr specialEgressIntfList(SpecialEgressIntfOrdering kind) const {
     return specialEgress_.get(kind);
@@ -216,7 +217,7 @@ class TcContainer : public Vane::Entity<TcContainer> {
   Nexo::IntfId intfId() const { return intfId_; }
 
   const Map& tcs() const { return tcs_; }
-  /// The class's counters, all zero when absent.
+  /// The class's counters, all zero if absent.
   IngressCounter tc(U32 trafficClass) const { return tcs_.get(trafficClass); }
   void tcIs(U32 trafficClass, const IngressCounter& counter) { tcs_.set(trafficClass, counter); }
   IngressCounter tcDel(U32 trafficClass) { return tcs_.remove(trafficClass); }
@@ -231,7 +232,7 @@ inline TcContainer::Ptr tcContainerFactory(Nexo::IntfId intfId) {
   return TcContainer::TcContainerIs(intfId);
 }
 
-/// The counters of each interface. The container under an interface is that interface's.
+/// The counters of each interface, in one container per interface.
 class InterfaceTcContainer : public Vane::Entity<InterfaceTcContainer> {
  public:
   using Ptr = Mote::Ptr<InterfaceTcContainer>;
@@ -243,9 +244,9 @@ class InterfaceTcContainer : public Vane::Entity<InterfaceTcContainer> {
   static const Vane::TypeData& fwkType();
 
   const Map& tcPerIntfs() const { return containers_; }
-  /// The interface's container, null when absent.
+  /// The interface's container, null if absent.
   TcContainer::Ptr tcPerIntf(Nexo::IntfId intfId) const { return containers_.get(intfId); }
-  /// The interface's container, made when absent.
+  /// The interface's container, created if absent.
   TcContainer::Ptr tcPerIntfIs(Nexo::IntfId intfId);
   TcContainer::Ptr tcPerIntfDel(Nexo::IntfId intfId) { return containers_.remove(intfId); }
   void tcPerIntfDelAll() { containers_.clear(); }

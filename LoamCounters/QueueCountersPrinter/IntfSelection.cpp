@@ -13,7 +13,8 @@ using Hardware::Loam::SystemPhyPortId;
 
 constexpr U32 fabricMeshSwitchPort = 11;
 
-/// The kinds of special interface on one side that both sides have, and how that side's map is set.
+/// The kinds of special interface that exist on both sides, as values of one side, and the setter of that
+/// side's map.
 struct IngressSide {
   using Kind = SpecialIngressIntfOrdering;
   static constexpr Kind olp = Kind::ingressIntfOlp;
@@ -42,7 +43,7 @@ struct EgressSide {
   static constexpr auto set = &AllIntfList::specialEgressIntfListIs;
 };
 
-/// Sets the lists of one side, read from one status.
+/// Sets the lists of one side from a status.
 template <class Side>
 class Discovery {
  public:
@@ -91,7 +92,7 @@ class Discovery {
     set(kind, list);
   }
 
-  /// FAPs may share a port, and come in no order: each port once, in the order of the ports.
+  /// The map is by FAP name, and FAPs may share a port: each port is listed once, in ascending order.
   void sflowAccel() {
     const OrderedSystemPhyPortId::Ptr ordered = orderedSystemPhyPortIdFactory();
     for (const auto& [fapName, port] : status_->fapToSflowAccelSppid) {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Labels of traffic classes, FAP cores and destination types.
+
 #include <vector>
 
 #include "platform/HardwareLoam.h"
@@ -10,12 +12,12 @@ namespace LoamCounters {
 inline constexpr U32 destTypeUnicast = 0;
 inline constexpr U32 destTypeMulticast = 1;
 
-/// Traffic classes per port, and so the queues of an ordinary interface.
+/// Traffic classes per port: the number of queues of an ordinary interface.
 inline constexpr U32 trafficClasses = 8;
 
-/// By i from 0 to 3: the counter that traffic classes i and i + 4 share.
+/// Index i from 0 to 3: the label of the counter that traffic classes i and i + 4 share.
 extern const std::vector<Mote::String> fapAmbiguousTcLabel;
-/// All four drop precedences in one row.
+/// The label of all four drop precedences.
 extern const Mote::String allDpLabel;
 
 /// The traffic classes that counter `index` covers, of `countersPerPort` (1 to 8) counters: "TC3", "TC2-3".
@@ -25,11 +27,11 @@ Mote::String trafficClassLabel(U32 index, U32 countersPerPort, U32 tcPerPort, bo
 /// The labels of a port's queues, in order; empty for a port without queues.
 std::vector<Mote::String> queueNamesByQueuesPerPort(U32 queuesPerPort, U32 tcPerPort);
 
-/// The FAP's name, with the core number where the FAP has several: "X.1".
+/// The FAP's name, with the core number if the FAP has several cores: "X.1".
 Mote::String fapCoreLabel(const Mote::String& fapName, Hardware::Loam::LocalCoreId coreId,
                           unsigned short numCores);
 
-/// The name of a destination type: a column's text, or in JSON the name of a submodel.
+/// The name of a destination type: the text of a column, or in JSON the name of a submodel.
 Mote::String destTypeLabel(U32 destType, U32 fmt);
 
 }  // namespace LoamCounters

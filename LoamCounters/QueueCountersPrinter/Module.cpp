@@ -1,5 +1,5 @@
-// What this unit registers: its types, with the numbers, names, kinds, value types and parameters of their
-// attributes.
+// The registration of this unit: its types, with the numbers, names, kinds, value types and parameters of
+// their attributes.
 
 #include <array>
 #include <iostream>
@@ -95,7 +95,7 @@ constexpr std::string_view uses[] = {
 
 }  // namespace
 
-// The symbol is this unit's in the exporting library.
+// The symbol of this unit in the exporting library.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
 extern "C" constexpr Vane::ModuleDescriptor _QueueCountersPrinter_824cd50bdcbaefe2_vaneModule{
     "LoamCounters/QueueCountersPrinter", "_QueueCountersPrinter_824cd50bdcbaefe2_vaneModule", uses, types};

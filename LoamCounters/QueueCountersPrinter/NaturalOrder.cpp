@@ -26,12 +26,12 @@ std::string_view withoutTrailingZeros(std::string_view digits) {
   return digits;
 }
 
-/// One of the two strings, and how far the comparison has come in it.
+/// One of the two strings, and the current position in it.
 class Walk {
  public:
   Walk(std::string_view text, std::size_t at) : text_(text), at_(at) {}
 
-  /// Whether the string is exhausted, once the rest of a run of spaces is passed over.
+  /// Whether the end is reached, after skipping the rest of a run of spaces.
   bool atEnd() {
     if (at_ > 0 && text_[at_ - 1] == ' ') {
       while (at_ < text_.size() && text_[at_] == ' ') ++at_;
@@ -40,7 +40,7 @@ class Walk {
   }
   char here() const { return text_[at_]; }
   bool afterPoint() const { return at_ > 0 && text_[at_ - 1] == '.'; }
-  /// The run of digits here.
+  /// The run of digits at the current position.
   std::string_view digits() const {
     std::size_t end = at_;
     while (end < text_.size() && isDigit(text_[end])) ++end;
@@ -53,9 +53,9 @@ class Walk {
   std::size_t at_;
 };
 
-// Digits after a point compare from the left, with zeros at the end of no account: a run that ends first
-// orders first. Other digits compare by value: without zeros at the front, the shorter run is the smaller
-// number. What stands before the digits is the same in both.
+// Digits after a point are compared from the left, ignoring trailing zeros: a run that ends first is smaller.
+// Other digits are compared by value: without leading zeros, the shorter run is the smaller number. The text
+// before the digits is the same in both strings.
 std::strong_ordering compareDigits(const Walk& a, const Walk& b) {
   if (a.afterPoint()) return withoutTrailingZeros(a.digits()) <=> withoutTrailingZeros(b.digits());
   const std::string_view left = withoutLeadingZeros(a.digits());
@@ -67,8 +67,8 @@ std::strong_ordering compareDigits(const Walk& a, const Walk& b) {
 }  // namespace
 
 bool naturalCompare(const Mote::String& a, const Mote::String& b) {
-  // Names that are sorted mostly begin alike. What is the same to the byte decides nothing, up to the run of
-  // digits that the difference may be a part of.
+  // Names often have a common prefix. Skip the equal bytes, but not the run of digits that may contain the
+  // first difference.
   std::size_t same = 0;
   const std::size_t shorter = std::min(a.size(), b.size());
   while (same < shorter && a.view()[same] == b.view()[same]) ++same;

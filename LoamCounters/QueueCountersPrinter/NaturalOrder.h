@@ -1,11 +1,13 @@
 #pragma once
 
+// The natural order of names.
+
 #include "platform/Mote.h"
 
 namespace LoamCounters {
 
-/// Whether `a` orders strictly before `b` in the order in which people read names: without regard to case,
-/// runs of spaces as one, runs of digits by their value, and digits after a point as a fraction.
+/// Whether `a` is strictly before `b` in natural order: case-insensitive, runs of spaces equal to one space,
+/// runs of digits by value, and digits after a point as a fraction.
 bool naturalCompare(const Mote::String& a, const Mote::String& b);
 
 }  // namespace LoamCounters

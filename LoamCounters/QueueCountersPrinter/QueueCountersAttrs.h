@@ -1,12 +1,14 @@
 #pragma once
 
+// The output descriptors that the queue commands share.
+
 #include "platform/CounterAgent.h"
 #include "platform/tabula.h"
 
 namespace LoamCounters {
 
-/// The output descriptors of one queue command. The text ones start empty and serve as dictionary keys and
-/// text columns; the counter ones have no value until a row sets it.
+/// The output descriptors of one queue command. Those for texts are initially empty and are used as
+/// dictionary keys and text columns; those for counters have no value until a row sets one.
 struct QueueCountersAttrs {
   explicit QueueCountersAttrs(tabula::Printer& printer);
 

@@ -15,7 +15,7 @@ using Hardware::Loam::Status;
 
 constexpr std::size_t ruleWidth = 15 + 1 + 7 + 4 * 18;
 
-/// One run of the command: what stays the same from interface to interface.
+/// One run of the command, with the values that are the same for all interfaces.
 class DropsTable {
  public:
   DropsTable(tabula::Printer& printer, U32 fmt, const CounterEngineAccessor::PtrConst& accessor,
@@ -30,7 +30,7 @@ class DropsTable {
         queueDefault_(anyFapUsingEgqQueueMode(status)),
         portNames_(queueNamesByQueuesPerPort(trafficClasses, trafficClasses)) {}
 
-  /// Nothing for an interface that dropped no packet.
+  /// Prints nothing for an interface that dropped no packet.
   void printIntf(Nexo::IntfId intf) {
     usesPort_ = intfUsesEgqPortMode(intf, status_, portDefault_);
     usesQueue_ = intfUsesEgqQueueMode(intf, status_, queueDefault_);
@@ -108,7 +108,7 @@ class DropsTable {
     }
   }
 
-  /// The egress counters that two traffic classes share, once for each pair.
+  /// Prints the egress counters that two traffic classes share, once for each pair.
   void printSharedPairs(Nexo::IntfId intf) {
     for (U32 tc = 0; tc < fapAmbiguousTcLabel.size(); ++tc) {
       if (!egressTm_.tcLsbOfAmbiguousTcs[tc]) continue;
@@ -129,9 +129,9 @@ class DropsTable {
   bool portDefault_;
   bool queueDefault_;
   std::vector<Mote::String> portNames_;
-  std::vector<Mote::String> subIntfNames_;  // made anew when the switch changes their number
+  std::vector<Mote::String> subIntfNames_;  // created again if their number changes
 
-  // Of the interface being printed; each record is set where its mode applies.
+  // State of the interface being printed; a record is set only if its mode applies.
   bool usesPort_ = false;
   bool usesQueue_ = false;
   EgressCounter egress_;

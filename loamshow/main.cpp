@@ -43,7 +43,7 @@ fs::path programDirectory() {
   return fs::read_symlink("/proc/self/exe", unreadable).parent_path();
 }
 
-/// Empty when no switch is given.
+/// Empty if no switch is given.
 std::string givenState(const CommandLine& line) {
   if (line.state) return *line.state;
   if (line.sample) return programDirectory() / LOAM_DATA_FROM_BIN / "sample-switch.json";
@@ -61,7 +61,7 @@ std::string statePath(const CommandLine& line) {
 
 std::string pluginPath(const CommandLine& line) {
   constexpr const char* fileName = "LoamCounters.so";
-  // A name without a slash would be looked for where the system keeps its libraries.
+  // dlopen searches the system's directories for a name without a slash.
   if (line.plugin) return line.plugin->find('/') == std::string::npos ? "./" + *line.plugin : *line.plugin;
   const fs::path beside = programDirectory() / fileName;
   std::error_code unreadable;
@@ -72,7 +72,7 @@ int exitOfOperation() {
   return tabula::operationInterrupted() ? Interrupts::exitStatus : exitWhole;
 }
 
-/// Says on standard error what is wrong.
+/// Reports a problem on standard error.
 int complain(int status, std::string_view problem) {
   warn(problem);
   return status;
@@ -88,7 +88,7 @@ int answerWith(std::string_view text) {
   return answerWith([&](const Sink& sink) { sink(text); });
 }
 
-/// The switch of a command that asks for it once.
+/// The switch of a command that reads it once.
 SwitchState stateOf(const CommandLine& line) {
   SwitchState state = loadStateFile(statePath(line));
   if (!state.warning.empty()) warn(state.warning);
@@ -145,14 +145,13 @@ int run(const CommandLine& line) {
   return show(line);
 }
 
-/// Whether the names of a state can be looked up at once: that of a pipe would be waited for.
+/// Whether names can be read from a state without waiting, as for a pipe.
 bool isFile(const std::string& path) {
   std::error_code unreadable;
   return fs::is_regular_file(path, unreadable);
 }
 
-/// For the completion of shells: prints what the last word can become, a line each; fails where it names a
-/// file.
+/// Completion for shells: prints the candidates for the last word, one per line; fails if it is a file name.
 int complete(int argc, char** argv) {
   Completion completion = completeCommandLine(argc, argv);
   const bool namesOfState = completion.kind == Names::interfaces || completion.kind == Names::blocks ||
@@ -171,7 +170,7 @@ int complete(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace loamshow;
-  // A reader that has seen enough is no failure to speak of: the write then fails with EPIPE.
+  // A closed reader appears as EPIPE, which is not reported.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);  // a file at its size limit: EFBIG
   surviveTruncatedRegions();

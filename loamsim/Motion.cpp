@@ -88,12 +88,12 @@ Motion::Motion(const loamshow::SwitchState& state, double speed, U64 seed)
   for (const loamshow::DebugFap& fap : state.debugFaps) addDebug(fap);
 }
 
-/// A factor of 0 to 2, 1 on the average.
+/// A factor from 0 to 2, on average 1.
 double Motion::uneven() {
   return std::uniform_real_distribution<double>(0, 2)(random_);
 }
 
-/// Whether drops that have come due are let out: every few seconds.
+/// Whether to release accumulated drops: every few seconds.
 bool Motion::burst(double seconds) {
   constexpr double secondsBetween = 4;
   return uneven() * secondsBetween < 2 * seconds;
@@ -120,7 +120,7 @@ void Motion::move(Queues& queues, double seconds) {
   }
 }
 
-/// The step that the count takes: 0 where it has no value.
+/// Moves a count and returns the step: 0 for a count without value.
 U64 Motion::move(Count& count, U64 by) const {
   constexpr U64 most = ~U64{0} >> 1U;
   if (count.value.null()) return 0;

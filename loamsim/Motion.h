@@ -1,5 +1,7 @@
 #pragma once
 
+// How the counters of a simulated switch move.
+
 #include <random>
 #include <vector>
 
@@ -8,14 +10,14 @@
 
 namespace loamsim {
 
-/// How the counters of a switch move: each queue by what would double its counts in an hour, times a speed,
+/// Moves the counters of a switch: each queue at `speed` times the rate that doubles its counts in an hour,
 /// unevenly; octets in proportion to packets, drops in bursts. A record's total moves with its queues.
 class Motion {
  public:
   /// Starts from the counts of `state`. `speed` is 0 or more.
   Motion(const loamshow::SwitchState& state, double speed, U64 seed);
 
-  /// Lets time pass, and writes every record.
+  /// Advances the time, and writes every record.
   void advance(double seconds, const LoamCounters::CounterRegionWriter& writer);
 
  private:
@@ -31,7 +33,7 @@ class Motion {
   /// Packets and their octets.
   struct Flow {
     Growth packets;
-    U64 wholeOctets = 0;  // of each packet
+    U64 wholeOctets = 0;  // per packet
     double restOctets = 0;
   };
   struct Queue {
@@ -49,7 +51,7 @@ class Motion {
   template <class Record>
   struct Egress : Queues {
     Nexo::IntfId intf;
-    Record record;  // what does not move
+    Record record;  // the parts that do not move
   };
   struct Count {
     Keel::MaybeU63 value;

@@ -1,4 +1,4 @@
-// loamsim: a switch made of a state file, which publishes its counters in a region and lets them count.
+// loamsim: simulates a switch. Publishes a state file in a region and lets its counters move.
 
 #include <args.hxx>
 #include <charconv>
@@ -64,7 +64,7 @@ void read(const std::string& option, const std::string& value, const char* expec
   }
 }
 
-/// Nothing when help was asked for.
+/// Nothing if help was requested.
 std::optional<Settings> settingsOf(int argc, char** argv) {
   args::ArgumentParser parser("");
   using Option = args::ValueFlag<std::string>;
@@ -80,7 +80,7 @@ std::optional<Settings> settingsOf(int argc, char** argv) {
   } catch (const args::Help&) {
     return {};
   } catch (const args::Error& error) {
-    const std::string_view text = error.what();  // ends with the word that does not fit
+    const std::string_view text = error.what();  // ends with the offending word
     throw InputError("unexpected argument: " + loamshow::printable(text.substr(text.rfind(' ') + 1)) +
                      " (see --help)");
   }
@@ -101,7 +101,7 @@ volatile std::sig_atomic_t stopped = 0;  // NOLINT(cppcoreguidelines-avoid-non-c
 
 void stopOnSignals() {
   struct sigaction action {};
-  action.sa_handler = [](int) { stopped = 1; };  // and no SA_RESTART: a sleep is to end
+  action.sa_handler = [](int) { stopped = 1; };  // no SA_RESTART, so that a sleep ends
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
 }
 
@@ -116,7 +116,7 @@ LoamCounters::CounterRegionWriter publish(const loamshow::SwitchState& state, co
   return {path, description, *state.counters, debug};
 }
 
-/// Waits until a time, a stop or the next sign of life is due.
+/// Waits until the given time, a signal, or the next sign of life.
 void rest(Clock::time_point until) {
   constexpr Seconds signOfLife{0.5};
   const Seconds left = std::min<Seconds>(until - Clock::now(), signOfLife);

@@ -12,7 +12,7 @@ namespace loamshow {
 
 namespace {
 
-/// "a, b and c", for a list with blanks between and " and " before the last.
+/// Turns a list separated by blanks into "a, b and c", if `last` is " and ".
 std::string enumerated(std::string_view list, std::string_view last) {
   std::string text;
   anyPart(list, ' ', [&](std::string_view part) {
@@ -49,7 +49,7 @@ std::string unknownCommand(const std::string& word) {
   return "unknown command " + quoted(word) + nearMiss(word, names);
 }
 
-/// `command` is null while there is none.
+/// `command` is null if none was given yet.
 std::string unknownOption(const std::string& word, const Command* command) {
   std::vector<std::string> words;
   for (const Option& option : options) {
@@ -58,7 +58,7 @@ std::string unknownOption(const std::string& word, const Command* command) {
   return "unknown option " + quoted(word) + nearMiss(word, {words.begin(), words.end()});
 }
 
-/// What the words of a command line say, one after the other, and the first thing that is wrong with them.
+/// Collects the words of a command line one by one, and the first problem with them.
 class Words {
  public:
   /// The command, then its arguments.
@@ -71,7 +71,7 @@ class Words {
     }
   }
 
-  /// `value` is null where there is none.
+  /// `value` is null if there is none.
   void addOption(const Option& option, const std::string* value) {
     given_.push_back({&option, hasCommand_});
     try {
@@ -111,7 +111,7 @@ class Words {
     return list;
   }
 
-  /// What is wrong with a known command's options and arguments; empty when nothing is.
+  /// The problem with the options and arguments of a known command; empty if there is none.
   std::string problemOf(const Command& command) const {
     const std::string name(command.name);
     for (const auto& [option, isAfterCommand] : given_) {
@@ -148,7 +148,7 @@ class Words {
   std::string problem_;
 };
 
-/// Stands for every option to the parsing library, which leaves it to us whether there is one of a name.
+/// Matches every option for the parsing library, so that this code decides which options exist.
 class AnyOption : public args::FlagBase {
  public:
   AnyOption(args::Group& parser, Words& words) : FlagBase("", "", args::Matcher{'h'}), words_(words) {
@@ -162,8 +162,9 @@ class AnyOption : public args::FlagBase {
     return this;
   }
 
-  /// A value may be missing, so that another option is not taken for it; the message is ours.
-  // NOLINTNEXTLINE(bugprone-exception-escape): the least is below the most
+  /// The value is optional for the library, so that it does not take another option as one; this code checks
+  /// it.
+  // NOLINTNEXTLINE(bugprone-exception-escape): the minimum is not above the maximum
   args::Nargs NumberOfArguments() const noexcept override {
     return {0, option_ != nullptr && !option_->value.empty() ? 1U : 0U};
   }
@@ -172,7 +173,7 @@ class AnyOption : public args::FlagBase {
     if (option_ != nullptr) words_.addOption(*option_, values.empty() ? nullptr : values.data());
   }
 
-  /// Reports the library's only error: a value for the option that it matched last, which takes none.
+  /// Reports the only error of the library: a value for the option matched last, which takes none.
   void reportValue() const {
     if (option_ != nullptr) words_.addProblem(word_ + " takes no value");
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+// Parses the command line.
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,13 +10,13 @@
 
 namespace loamshow {
 
-/// What the command line asks for.
+/// The contents of the command line.
 struct CommandLine {
   std::string command;
   std::optional<std::string> state;
   bool sample = false;
   std::optional<std::string> plugin;
-  U32 format = tabula::formatText;  // of the answer: text or JSON
+  U32 format = tabula::formatText;  // output format: text or JSON
   std::vector<std::string> interfaces;
   bool internal = false;
   bool detail = false;
@@ -27,7 +29,7 @@ struct CommandLine {
   bool byOctets = false;  // `top` ranks by octets instead of packets
   std::optional<std::string> since;
   std::optional<double> every;  // seconds
-  std::optional<U64> count;     // of answers
+  std::optional<U64> count;     // number of outputs
   bool help = false;
   bool version = false;
 
@@ -35,16 +37,16 @@ struct CommandLine {
   std::string notice;
 };
 
-/// Raises InputError for wrong usage.
+/// Throws InputError for wrong usage.
 CommandLine parseCommandLine(int argc, const char* const* argv);
 
-/// A command line as far as it can be read.
+/// The readable part of a command line.
 struct ReadLine {
   CommandLine line;
-  std::string problem;  // the first one; empty: none
+  std::string problem;  // the first problem; empty: none
 };
 
-/// Reads a command line without refusing it: for completion, whose line is still being typed.
+/// Reads a command line that may be wrong or incomplete: for completion.
 ReadLine readCommandLine(int argc, const char* const* argv);
 
 }  // namespace loamshow

@@ -15,30 +15,29 @@
 
 namespace loamshow {
 
-/// What a word of the command line can be completed to.
+/// The kinds of names to which a word of the command line can be completed.
 enum class Names : U8 { none, files, interfaces, commands, blocks, snapshots };
 
-// The members are in the order in which a line of the table reads best.
+// The order of the members makes the tables easy to read.
 // NOLINTBEGIN(clang-analyzer-optin.performance.Padding)
 struct Command {
   std::string_view name;
-  std::string_view arguments{};  // as help shows them; empty: it takes none
-  Names names = Names::none;     // of its arguments
+  std::string_view arguments{};  // as in the help; empty: none
+  Names names = Names::none;     // kind of its arguments
   std::string_view help;
-  std::string_view example{};  // what follows the name in the help's example
+  std::string_view example{};  // arguments of the example in the help
   bool hasJson = true;
 };
 
 struct Option {
-  std::string_view name{};  // without its hyphens; empty: a letter only
-  char letter = '\0';       // '\0': none
-  std::string_view
-      value{};  // as help shows it: what it is, or all that it can be ("text|json"); empty: it takes none
-  Names names = Names::none;  // of its value
+  std::string_view name{};    // without hyphens; empty: a letter only
+  char letter = '\0';         // '\0': none
+  std::string_view value{};   // as in the help: a placeholder, or all values ("text|json"); empty: none
+  Names names = Names::none;  // kind of its value
   std::string_view help;
-  std::string_view commands{};  // those that take it, separated by blanks; empty: all
-  bool isGlobal = true;         // accepted before the command, too
-  /// Raises InputError, "expected ...", for a value that is not one.
+  std::string_view commands{};  // commands with this option, separated by blanks; empty: all
+  bool isGlobal = true;         // also accepted before the command
+  /// Throws InputError, "expected ...", for an invalid value.
   void (*set)(CommandLine& line, const std::string& value);
 };
 // NOLINTEND(clang-analyzer-optin.performance.Padding)
@@ -201,8 +200,7 @@ inline constexpr Option options[] = {
      .set = set<&CommandLine::block>},
 };
 
-/// Calls a function with each part of a list, up to the first for which it returns true: whether there is
-/// one.
+/// Calls a function for each part of a list until it returns true. Returns whether it did.
 template <class Function>
 constexpr bool anyPart(std::string_view list, char separator, Function function) {
   while (!list.empty()) {
@@ -213,19 +211,19 @@ constexpr bool anyPart(std::string_view list, char separator, Function function)
   return false;
 }
 
-/// The command of that name; null when there is none.
+/// The command of that name; null if there is none.
 constexpr const Command* findCommand(std::string_view name) {
   const auto* found = std::ranges::find(commands, name, &Command::name);
   return found == std::end(commands) ? nullptr : found;
 }
 
-/// The option of that name, null when there is none.
+/// The option of that name; null if there is none.
 constexpr const Option* findOption(std::string_view name) {
   const auto* found = std::ranges::find(options, name, &Option::name);
   return name.empty() || found == std::end(options) ? nullptr : found;
 }
 
-/// The option of that letter, null when there is none.
+/// The option of that letter; null if there is none.
 constexpr const Option* findOption(char letter) {
   const auto* found = std::ranges::find(options, letter, &Option::letter);
   return letter == '\0' || found == std::end(options) ? nullptr : found;
@@ -241,7 +239,7 @@ inline std::string typed(const Option& option) {
   return option.name.empty() ? std::string("-") + option.letter : "--" + std::string(option.name);
 }
 
-/// Whether a line of the table has a name or letter of its own, and names commands that exist.
+/// Whether an option has a unique name or letter, and its commands exist.
 constexpr bool isSound(const Option& option) {
   const auto isUnknown = [](std::string_view name) {
     return std::ranges::count(commands, name, &Command::name) != 1;

@@ -7,7 +7,7 @@ namespace loamshow {
 
 namespace {
 
-/// Adds a word that the table holds, if it begins as typed.
+/// Adds a word of the tables if it begins with the typed text.
 void add(Completion& completion, std::string word, std::string_view meaning = {}) {
   if (!word.starts_with(completion.typed)) return;
   meaning = meaning.substr(0, meaning.find('\n'));
@@ -18,7 +18,7 @@ void addCommands(Completion& completion) {
   for (const Command& command : commands) add(completion, std::string(command.name), command.help);
 }
 
-/// The option that a word names and whose value comes next; null when it is none.
+/// The option of a word, if the next word is its value; otherwise null.
 const Option* optionWithValue(std::string_view word) {
   const Option* option = nullptr;
   if (word.starts_with("--")) {

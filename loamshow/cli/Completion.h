@@ -1,5 +1,7 @@
 #pragma once
 
+// Completes the command line for shells.
+
 #include <string>
 #include <vector>
 
@@ -8,18 +10,18 @@
 
 namespace loamshow {
 
-/// What the last word of a command line, which is being typed, can become.
+/// The completions of the last word of a command line.
 struct Completion {
-  Names kind = Names::none;        // of what is to be named there
-  std::vector<std::string> words;  // from the tables: each with a tab and what it means, in a line
-  std::string typed;               // of a name: what stands there of it
-  std::string before;              // what stands before the name within the word
-  CommandLine line;                // the words before
+  Names kind = Names::none;        // kind of name expected there
+  std::vector<std::string> words;  // candidates from the tables: each followed by a tab and its help
+  std::string typed;               // the typed part of a name
+  std::string before;              // the part of the word before the name
+  CommandLine line;                // contents of the words before
 };
 
 Completion completeCommandLine(int argc, const char* const* argv);
 
-/// Adds the names of a switch that are of the completion's kind.
+/// Adds the names of the completion's kind that the switch has.
 void completeName(Completion& completion, const SwitchState& state);
 
 }  // namespace loamshow

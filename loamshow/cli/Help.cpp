@@ -7,10 +7,10 @@ namespace loamshow {
 
 namespace {
 
-/// Terms and what they mean, which may be of several lines.
+/// Terms with their meanings, which may have several lines.
 using Terms = std::vector<std::pair<std::string, std::string_view>>;
 
-/// The terms in one column and their meanings in another.
+/// Formats the terms in one column and their meanings in another.
 std::string columns(const Terms& terms) {
   std::size_t width = 0;
   for (const auto& [term, meaning] : terms) width = std::max(width, term.size());

@@ -1,5 +1,7 @@
 #pragma once
 
+// Help texts, derived from the tables of commands and options.
+
 #include <string>
 
 #include "loamshow/cli/CommandTable.h"
@@ -9,7 +11,7 @@ namespace loamshow {
 /// The commands and global options.
 std::string programHelp();
 
-/// What a command does, the options that only some commands take, and an example.
+/// The purpose of a command, its options except the global ones, and an example.
 std::string commandHelp(const Command& command);
 
 }  // namespace loamshow

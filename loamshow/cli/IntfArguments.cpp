@@ -18,7 +18,7 @@ std::string lowerCase(std::string_view text) {
   return std::string(Mote::String(text).lowerCase().view());
 }
 
-/// The interfaces by everything that names them.
+/// The interfaces by long and short names.
 class Names {
  public:
   explicit Names(const std::vector<IntfId>& interfaces) : interfaces_(interfaces) {
@@ -31,7 +31,7 @@ class Names {
     }
   }
 
-  /// The interface of a name; the empty id when there is none.
+  /// The interface of a name; the empty id if there is none.
   IntfId find(std::string_view name) const {
     const auto exact = byExactName_.find(name);
     if (exact != byExactName_.end()) return exact->second;
@@ -55,7 +55,7 @@ class Names {
   }
 
  private:
-  /// The first interface of a name, and another one, if there is one.
+  /// The first interface of a name, and a second one, if there is one.
   using Owners = std::pair<IntfId, IntfId>;
 
   void add(IntfId intf, std::string_view name) {
@@ -65,10 +65,10 @@ class Names {
 
   const std::vector<IntfId>& interfaces_;
   std::unordered_map<std::string_view, IntfId> byExactName_;
-  std::unordered_map<std::string, Owners> byName_;  // by lower-case name
+  std::unordered_map<std::string, Owners> byName_;  // key: lower-case name
 };
 
-// The numbers of names are digits of any length, and stay so.
+// Numbers in names may have any number of digits, so they are handled as text.
 
 bool isNumber(std::string_view text) {
   const bool hasLeadingZero = text.size() > 1 && text.front() == '0';
@@ -89,8 +89,8 @@ void increment(std::string& number) {
   }
 }
 
-/// Whether a name that is no interface's is meant as a range: what follows its last hyphen is a number, of
-/// several parts perhaps, or nothing; or what precedes a hyphen is an interface.
+/// Whether a name that is not an interface's is meant as a range: after its last hyphen there is a number,
+/// possibly of several parts, or nothing; or the part before a hyphen is an interface.
 bool looksLikeRange(const Names& names, std::string_view name) {
   for (std::size_t at = name.find('-'); at != std::string_view::npos; at = name.find('-', at + 1)) {
     if (names.find(name.substr(0, at)) != IntfId()) return true;
@@ -100,7 +100,7 @@ bool looksLikeRange(const Names& names, std::string_view name) {
          name.find_first_not_of("0123456789/.", hyphen + 1) == std::string_view::npos;
 }
 
-/// Appends the members of a range: a name with a number at its end, "-", and the last number.
+/// Appends the members of a range: a name that ends with a number, "-", and the last number.
 void appendRange(const Names& names, std::string_view range, std::vector<IntfId>& selected) {
   const std::size_t hyphen = range.rfind('-');
   const std::string_view left = range.substr(0, hyphen);
@@ -122,7 +122,7 @@ void appendRange(const Names& names, std::string_view range, std::vector<IntfId>
   }
 }
 
-/// Appends what a member of a list, or an argument that is none, names.
+/// Appends the interfaces of a member of a list, or of a single argument.
 void appendMember(const Names& names, std::string_view name, std::string_view list,
                   std::vector<IntfId>& selected) {
   const IntfId intf = names.find(name);

@@ -1,4 +1,4 @@
-// The options whose values are numbers.
+// Options with numeric values.
 
 #include <charconv>
 #include <limits>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Output of the command `check`.
+
 #include <string>
 #include <vector>
 
@@ -7,7 +9,7 @@
 
 namespace loamshow {
 
-/// The findings of a check: a line each, or one JSON document on one line.
+/// Formats the findings of a check: one per line, or one JSON document on one line.
 std::string checkListing(const std::vector<Finding>& findings);
 std::string checkJson(const std::vector<Finding>& findings);
 

@@ -10,8 +10,8 @@ namespace loamshow {
 
 namespace {
 
-// From the first interrupt on, an alarm comes each second: a signal that arrives just before a write begins
-// does not end that write, and the alarm does.
+// After the first interrupt, an alarm comes every second. A signal that arrives just before a write
+// begins does not interrupt that write, but the alarm does.
 void onAlarm(int /*signal*/) {
   ::alarm(1);
 }
@@ -34,7 +34,7 @@ void onInterrupt(int /*signal*/) {
 
 void handle(int signal, void (*handler)(int)) {
   struct sigaction action {};
-  action.sa_handler = handler;  // and no SA_RESTART: a blocked write is to end
+  action.sa_handler = handler;  // no SA_RESTART, so that a blocked write ends
   ::sigaction(signal, &action, nullptr);
 }
 

@@ -2,23 +2,23 @@
 
 namespace loamshow {
 
-/// While it lives, SIGINT interrupts the operation that is running, or else the next one, instead of ending
-/// the program; tabula::operationInterrupted and interruptPending tell. After it SIGINT is ignored: the
-/// answer is written then, and its exit status holds.
+/// During its lifetime, SIGINT interrupts the running operation, or the next one, instead of ending the
+/// program; see tabula::operationInterrupted and interruptPending. Afterwards SIGINT is ignored, because the
+/// output is complete and its exit status is final.
 class Interrupts {
  public:
-  static constexpr int exitStatus = 130;  // of an interrupted program
+  static constexpr int exitStatus = 130;  // exit status of an interrupted program
 
   Interrupts();
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
   ~Interrupts();
 
-  /// An action that an interrupt takes first, in the signal handler; null for none.
+  /// Sets an action that the signal handler runs first; null for none.
   static void firstIs(void (*action)() noexcept);
 
-  /// While it lives, SIGINT ends the program at once, with status 130, and so does one that came before and
-  /// that no operation has seen. For the time between two operations.
+  /// During its lifetime, SIGINT ends the program at once, with status 130. So does an earlier one that no
+  /// operation has noticed. For the time between two operations.
   class Pause {
    public:
     Pause();

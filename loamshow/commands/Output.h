@@ -1,5 +1,7 @@
 #pragma once
 
+// Output of the host's own texts, and messages.
+
 #include <functional>
 #include <string_view>
 
@@ -10,12 +12,12 @@ namespace loamshow {
 /// Receives a piece of a text.
 using Sink = std::function<void(std::string_view)>;
 
-/// Writes a text of the host's own as an operation, which an interrupt can end: the text, or what `write`
-/// passes to its sink. Raises what keeps it from being written completely.
+/// Writes a text of the host as an operation, which can be interrupted: the text, or what `write` passes to
+/// its sink. Throws if it could not be written completely.
 void print(std::string_view text, U32 fd);
 void print(const std::function<void(const Sink&)>& write, U32 fd);
 
-/// Says on standard error, in one line, what keeps an answer from being what was asked for.
+/// Writes a warning or an error message to standard error, as one line.
 void warn(std::string_view warning);
 
 }  // namespace loamshow

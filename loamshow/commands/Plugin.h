@@ -1,5 +1,7 @@
 #pragma once
 
+// Loads the plug-in and accesses it through the registry.
+
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,22 +11,22 @@
 
 namespace loamshow {
 
-/// Loads a plug-in library, which registers its types. Raises InputError when it cannot be loaded, or
-/// registers nothing. It stays loaded: an exception that an operation raised may be of a type that only the
-/// plug-in has.
+/// Loads a plug-in library, which registers its types. Throws InputError if it cannot be loaded or registers
+/// nothing. It stays loaded, because an exception of an operation may have a type that only the plug-in
+/// defines.
 void loadPlugin(const std::string& path);
 
-/// An object of a registered type. Its type, attributes and operations are found in the registry, by name;
-/// one that is not there raises InputError.
+/// An object of a registered type. Its type, attributes and operations are found in the registry, by name; an
+/// unknown name throws InputError.
 class Object {
  public:
   Object(std::string_view type, std::span<const Vane::Value> arguments);
 
   /// The object as an argument.
   Vane::Value handle() const { return node_; }
-  /// Calls an operation and answers its result; whatever the operation raises passes through.
+  /// Calls an operation and returns its result; exceptions of the operation reach the caller.
   Vane::Value call(std::string_view operation, std::span<const Vane::Value> arguments) const;
-  /// Puts an item into a queue, or under a key into a collection.
+  /// Adds an item to a queue, or to a collection by key.
   void enqueue(std::string_view queue, const Vane::Value& item) const;
   void insert(std::string_view collection, const Vane::Value& key, const Vane::Value& item) const;
 

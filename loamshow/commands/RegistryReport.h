@@ -1,10 +1,12 @@
 #pragma once
 
+// Output of the command `registry`.
+
 #include <string>
 
 namespace loamshow {
 
-/// What the loaded plug-in registered, in registration and index order: a listing, or one JSON document.
+/// The types of the loaded plug-in, in order of registration and index: a listing, or one JSON document.
 std::string registryListing();
 std::string registryJson();
 

@@ -41,8 +41,7 @@ Value interfaceList(const CommandLine& line, const SwitchState& state) {
   return list.handle();
 }
 
-/// A command that an operation of CountersPrinter answers, and the arguments that it takes after `fd` and
-/// `fmt`.
+/// A command, its operation of CountersPrinter, and the arguments that follow `fd` and `fmt`.
 struct QueueCommand {
   std::string_view name;
   std::string_view operation;
@@ -74,7 +73,7 @@ constexpr QueueCommand queueCommands[] = {
     {"mtu", "showInterfacesEgressMtuCounters", none},
 };
 
-/// A call that is complete but for being made.
+/// A prepared call.
 using Call = std::function<void()>;
 
 Call debugCall(const CommandLine& line, const SwitchState& state, U32 fd) {

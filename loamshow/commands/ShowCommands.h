@@ -1,5 +1,7 @@
 #pragma once
 
+// Runs the plug-in's show commands.
+
 #include <string_view>
 
 #include "loamshow/cli/CommandLine.h"
@@ -8,9 +10,8 @@
 
 namespace loamshow {
 
-/// Calls the show operation of the command line's command on the plug-in that is loaded: the answer goes to
-/// `fd`, after `heading`. Raises InputError before anything is written, and passes on whatever the operation
-/// raises.
+/// Calls the show operation of the command line's command in the loaded plug-in, which writes to `fd`, after
+/// `heading`. Throws InputError before anything is written; exceptions of the operation reach the caller.
 void runShowCommand(const CommandLine& line, const SwitchState& state, U32 fd, std::string_view heading = {});
 
 }  // namespace loamshow

@@ -13,7 +13,7 @@ namespace loamshow {
 
 namespace {
 
-/// Warns of a name under whose key nothing is known.
+/// Adds a warning if the key of a name is unknown.
 void addUnknown(std::string_view what, std::string_view name, std::string_view key,
                 const std::vector<std::string>& known, std::vector<std::string>& warnings) {
   if (std::ranges::find(known, key) != known.end()) return;

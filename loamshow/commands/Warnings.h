@@ -1,5 +1,7 @@
 #pragma once
 
+// Warnings about command lines that name something without rows.
+
 #include <string>
 #include <vector>
 
@@ -8,9 +10,9 @@
 
 namespace loamshow {
 
-/// What a user should know of an answer that leaves out what the command line names: an interface for which
-/// the command never has rows, a counter block or snapshot that the switch does not have. Raises InputError
-/// for interface arguments that name no interface.
+/// The warnings about a command line: an interface for which the command never has rows, a counter block or
+/// snapshot that the switch does not have; and a silent writer of a region. Throws InputError for unknown
+/// interfaces.
 std::vector<std::string> warnings(const CommandLine& line, const SwitchState& state);
 
 }  // namespace loamshow

@@ -12,7 +12,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// Follows a parser's events through a text. Keeps the path of the last value, and the first error.
+/// Receives the events of a parser. Keeps the path of the last value, and the first error.
 class Follower {
  public:
   const std::string& problem() const { return problem_; }
@@ -50,12 +50,12 @@ class Follower {
     return true;
   }
   bool parse_error(std::size_t position, const std::string& /*token*/, const Json::exception& error) {
-    // A number beyond all numbers is an error of its value, and counts as one for the path.
+    // A number that is too large is an error of its value, but still a value in the path.
     if (dynamic_cast<const Json::parse_error*>(&error) == nullptr) {
       scalar();
       return false;
     }
-    // "[json.exception...] parse error at line 1, column 2: ...": the part in brackets is the parser's own.
+    // "[json.exception...] parse error at line 1, column 2: ...": the part in brackets is omitted.
     const std::string_view text = error.what();
     problem_ = printable(text.substr(std::min(text.find("] "), text.size() - 2) + 2));
     position_ = position;
@@ -65,7 +65,7 @@ class Follower {
  private:
   struct Scope {
     bool isArray;
-    std::size_t count = 0;  // elements begun
+    std::size_t count = 0;  // elements so far
     std::string key = {};
   };
 
@@ -104,7 +104,7 @@ std::string syntaxProblem(std::string_view text, std::size_t size) {
   if (text.starts_with("\xef\xbb\xbf")) return "a byte-order mark where JSON was expected";
   const Follower follower = follow(text);
   const bool isWrong = !follower.problem().empty();
-  // The parser takes a NUL for the end of the text.
+  // The parser treats a NUL as the end of the text.
   const std::size_t nul = text.find('\0');
   const bool isNulFirst = nul <= size && (!isWrong || follower.problemPosition() > nul);
   if (isNulFirst) return "a NUL byte where JSON was expected";

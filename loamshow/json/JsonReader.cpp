@@ -28,7 +28,7 @@ Parsed at(const JsonPlace& place) {
   return std::bit_cast<Parsed>(place);
 }
 
-/// The token that a value starts with, without the white space after it.
+/// The first token of a value, without the white space after it.
 std::string_view tokenOf(const JsonPlace& place) {
   const std::string_view token = at<ondemand::value>(place).raw_json_token();
   return token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
@@ -77,7 +77,7 @@ void JsonReader::failSyntax() const {
 }
 
 void JsonReader::fail(std::string_view token, std::string_view problem) const {
-  // What looks like a value of another type may be no JSON at all.
+  // A value of a wrong type may also be invalid JSON.
   const std::string_view text = text_.view();
   const std::size_t end = static_cast<std::size_t>(token.data() - text.data()) + token.size();
   const std::string syntax = syntaxProblem(text, end);
@@ -118,7 +118,7 @@ double JsonValue::real() const {
     if (!isNumber(token)) fail("expected a number");
     fail("number overflow parsing '" + printable(token) + "'");
   }
-  if (number == 0 && tokenOf(place_) == "-0") return 0;  // an integer has no negative zero
+  if (number == 0 && tokenOf(place_) == "-0") return 0;  // accept -0 as an integer
   return number;
 }
 
@@ -186,7 +186,8 @@ bool JsonMembers::next() {
   ondemand::field field;
   if ((*iterator).get(field) != simdjson::SUCCESS) reader_->failSyntax();
   value_ = placeOf(field.value());
-  // Up to its closing quote, unless an escape comes first. The first pass over the text has seen that quote.
+  // The key ends at its closing quote, which the first pass over the text has found, unless an escape comes
+  // first.
   const char* const key = field.key().raw();
   const char* end = key;
   while (*end != '"' && *end != '\\') ++end;

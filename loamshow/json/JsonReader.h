@@ -1,5 +1,7 @@
 #pragma once
 
+// A streaming JSON reader.
+
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -16,9 +18,9 @@ namespace loamshow {
 class JsonValue;
 
 /// Reads a JSON document forwards, in one pass and without a tree. Values are read in the order of the text,
-/// each at most once; a value that is not read is skipped. Everything raises InputError, with the document's
-/// name and the line and column of a syntax error, or else the path of the value as a JSON pointer. The first
-/// error in the order of reading is the one that is reported.
+/// each at most once; a value that is not read is skipped. All functions throw InputError, with the
+/// document's name and the line and column of a syntax error, or the path of an invalid value as a JSON
+/// pointer. The first error in the order of reading is reported.
 class JsonReader {
  public:
   /// `name` is the document's name in messages.
@@ -27,9 +29,9 @@ class JsonReader {
   JsonReader& operator=(const JsonReader&) = delete;
   ~JsonReader();
 
-  /// The document's value, which must be an object. Values are valid as long as the reader is.
+  /// The root value, which must be an object. Values are valid as long as the reader exists.
   JsonValue root();
-  /// Raises when anything but white space follows the document's value. Call it after the last value is read.
+  /// Throws if anything but white space follows the root value. Call it after the last value is read.
   void finish();
 
  private:
@@ -46,12 +48,12 @@ class JsonReader {
   std::unique_ptr<Parser> parser_;
 };
 
-/// The place of a parser's value or iterator, which only the reader looks into.
+/// Storage of a parser's value or iterator, which only the reader uses.
 struct alignas(8) JsonPlace {
   std::array<std::byte, 24> bytes;
 };
 
-/// One value. Reading it as another type than its own raises.
+/// One value. Reading it as a wrong type throws.
 class JsonValue {
  public:
   /// Reads a null, if it is one.
@@ -60,15 +62,16 @@ class JsonValue {
   /// An integer from `lowest` to `highest`.
   U64 integer(U64 lowest, U64 highest) const;
   double real() const;
-  /// Valid as long as the reader is.
+  /// Valid as long as the reader exists.
   std::string_view text() const;
-  /// Reads an array of exactly as many integers of 64 bits; raises `otherwise` for one of another size.
+  /// Reads an array of exactly that many 64-bit integers; throws `otherwise` for an array of another size.
   void integers(std::span<U64> numbers, std::string_view otherwise) const;
-  /// Reads those of an object's members that are named, integers of 64 bits, into numbers of the same places.
-  /// The names are in the order of the text; a number whose member is absent keeps its value.
+  /// Reads the named members of an object, 64-bit integers, into the numbers with the same index. The names
+  /// are in the order of the text; a number without a member keeps its value.
   void members(std::span<const std::string_view> names, std::span<U64> numbers) const;
 
-  /// Raises InputError: the document's name, this value's path, and `problem`. Also for a value already read.
+  /// Throws InputError with the document's name, this value's path, and `problem`. Also for a value already
+  /// read.
   [[noreturn]] void fail(std::string_view problem) const;
 
  private:
@@ -91,21 +94,21 @@ class JsonValue {
 ///     }
 ///   }
 ///
-/// Where the members are known (up to 32), each turn asks for the same names in the same order, up to the
-/// member's own; a member that is there twice raises. Where names are data, key() is the name.
+/// If the members are known (up to 32), each iteration calls is() for the same names in the same order, up to
+/// the member's own; a repeated member throws. If names are data, key() is the name.
 class JsonMembers {
  public:
   explicit JsonMembers(JsonValue object);
 
   /// Goes to the next member; false after the last.
   bool next();
-  /// The member's name. Valid as long as the reader is.
+  /// The member's name. Valid as long as the reader exists.
   std::string_view key() const { return key_; }
   /// The name as an integer from `lowest` to `highest`, in decimal digits without leading zeros.
   U64 keyInteger(U64 lowest, U64 highest) const;
   JsonValue value() const { return {*reader_, value_}; }
 
-  /// Whether the member has that name. Raises for one that an earlier turn has had.
+  /// Whether the member has that name. Throws if an earlier member had it.
   bool is(std::string_view name) {
     const std::size_t index = asked_++;
     names_[index] = name;
@@ -115,7 +118,7 @@ class JsonMembers {
     seen_ |= bit;
     return true;
   }
-  /// Raises, with the nearest of the names that this turn has asked for.
+  /// Throws, with the nearest of the names that this iteration has tried.
   [[noreturn]] void unknown() const;
 
  private:
@@ -126,8 +129,8 @@ class JsonMembers {
   JsonPlace value_;
   std::string_view key_;
   bool started_ = false;
-  std::size_t asked_ = 0;  // names in this turn
-  U32 seen_ = 0;           // the bits of the names met
+  std::size_t asked_ = 0;  // names tried in this iteration
+  U32 seen_ = 0;           // one bit per name found
   std::array<std::string_view, mostNames> names_;
 };
 

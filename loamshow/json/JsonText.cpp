@@ -25,7 +25,7 @@ JsonText::JsonText(std::string_view copied) : JsonText(allocated(copied.size() +
 
 JsonText::JsonText(Bytes bytes, std::size_t size) : bytes_(std::move(bytes)), view_(bytes_.get(), size) {
   static_assert(padding >= simdjson::SIMDJSON_PADDING);
-  // No JSON goes on with a zero byte, so that a text that ends too early ends there.
+  // JSON has no zero bytes, so the reader stops there if the text ends too early.
   std::memset(bytes_.get() + size, 0, padding);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Padded text for the JSON reader.
+
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -8,19 +10,19 @@
 
 namespace loamshow {
 
-/// The text of a JsonReader, with the zero bytes after its end that the reader needs.
+/// The text of a JsonReader, followed by the zero bytes that the reader needs.
 class JsonText {
  public:
   static constexpr std::size_t padding = 64;
 
-  /// Memory of std::malloc.
+  /// Frees memory of std::malloc.
   struct Free {
     void operator()(char* bytes) const { std::free(bytes); }  // NOLINT(cppcoreguidelines-no-malloc)
   };
   using Bytes = std::unique_ptr<char[], Free>;
 
   explicit JsonText(std::string_view copied);
-  /// Takes over `size` bytes of text. At least `padding` further bytes are allocated after them.
+  /// Takes ownership of `size` bytes of text, followed by at least `padding` allocated bytes.
   JsonText(Bytes bytes, std::size_t size);
   /// Text that outlives the reader, with `padding` zero bytes after its end.
   static JsonText inPlace(std::string_view padded) { return JsonText(Bytes(), padded); }

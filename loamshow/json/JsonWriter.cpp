@@ -9,8 +9,8 @@ namespace loamshow {
 
 namespace {
 
-/// What stands for a character within a string, after a backslash; 0 for one that needs none, 'u' for one
-/// written by its number.
+/// The character after the backslash of an escape; 0 for a character that needs none, 'u' for a numeric
+/// escape.
 constexpr auto escapes = [] {
   std::array<char, 256> letters{};
   for (std::size_t c = 0; c < 0x20; ++c) letters[c] = 'u';
@@ -41,7 +41,7 @@ void JsonWriter::key(std::string_view name) {
 }
 
 void JsonWriter::value(double number) {
-  // Without an exponent where that takes at most 17 digits.
+  // Without an exponent if that needs at most 17 digits.
   const double size = std::abs(number);
   const bool isPlain = size == 0 || (size >= 1e-5 && size < 1e17);
   std::array<char, 64> digits;

@@ -1,5 +1,7 @@
 #pragma once
 
+// A streaming JSON writer.
+
 #include <concepts>
 #include <functional>
 #include <string>
@@ -9,7 +11,7 @@
 
 namespace loamshow {
 
-/// Writes JSON documents as they come, without a tree:
+/// Writes JSON documents as a stream, without a tree:
 ///
 ///   JsonWriter out(text, JsonWriter::Layout::indented);
 ///   out.beginObject();
@@ -18,17 +20,17 @@ namespace loamshow {
 ///   out.beginArray();
 ///   ...
 ///
-/// A document ends with a newline when its last scope ends; another may follow. Strings are UTF-8; only what
-/// JSON requires is escaped. The caller keeps to the grammar of JSON, which is not checked.
+/// A document ends with a newline when its last scope ends; another may follow. Strings are UTF-8, with the
+/// escapes that JSON requires. The grammar is not checked.
 class JsonWriter {
  public:
-  /// Two blanks a level and a member or element a line, or everything on one line without blanks.
+  /// Indented by two blanks per level with one member or element per line, or all on one line without blanks.
   enum class Layout { indented, oneLine };
   using Sink = std::function<void(std::string_view)>;
 
   /// Appends to `text`.
   JsonWriter(std::string& text, Layout layout);
-  /// Passes the text on in pieces of some 64 kB, the last one when a document ends.
+  /// Passes the text on in pieces of about 64 kB, the last one at the end of a document.
   JsonWriter(Sink sink, Layout layout);
   JsonWriter(const JsonWriter&) = delete;
   JsonWriter& operator=(const JsonWriter&) = delete;
@@ -37,19 +39,19 @@ class JsonWriter {
   void endObject() { end('}'); }
   void beginArray() { begin('['); }
   void endArray() { end(']'); }
-  /// The name of the member whose value comes next.
+  /// The name of the next member; its value follows.
   void key(std::string_view name);
 
   void null() { scalar("null"); }
   void value(bool truth) { scalar(truth ? "true" : "false"); }
   template <std::unsigned_integral Number>
   requires(!std::same_as<Number, bool>) void value(Number number) { integer(number); }
-  /// The shortest text that reads as the same number; `number` is finite.
+  /// Writes the shortest text that reads back as the same number, which must be finite.
   void value(double number);
   void value(std::string_view text);
   void value(const char* text) { value(std::string_view(text)); }
 
-  /// A member with a scalar.
+  /// Writes a member with a scalar value.
   void member(std::string_view name, const auto& scalar) {
     key(name);
     value(scalar);
@@ -65,12 +67,12 @@ class JsonWriter {
   void scalar(std::string_view text);
   void string(std::string_view text);
 
-  std::string pending_;  // what the sink has not received yet
+  std::string pending_;  // not yet passed to the sink
   std::string& text_;
   Sink sink_;
   Layout layout_;
   std::size_t depth_ = 0;
-  bool isFirst_ = true;      // in its scope
+  bool isFirst_ = true;      // no member or element in this scope yet
   bool followsKey_ = false;  // the member's name is written
 };
 

@@ -27,7 +27,7 @@ CounterQuad since(const CounterQuad& now, const CounterQuad& then) {
           now.droppedPackets - then.droppedPackets, now.droppedBytes - then.droppedBytes};
 }
 
-/// Makes `now` the counts since `then`.
+/// Subtracts `then` from `now`.
 void subtract(IngressTcCounter& now, const IngressTcCounter& then) {
   now.total = {since(now.total, then.total)};
   for (std::size_t i = 0; i < now.queues().size(); ++i) {

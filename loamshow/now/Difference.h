@@ -1,13 +1,15 @@
 #pragma once
 
+// Differences of two states of a switch.
+
 #include "loamshow/state/Switch.h"
 
 namespace loamshow {
 
-/// The switch `now` with what was counted since `then`, an earlier state of it. A quad of which any count is
-/// below that of `then` was cleared in between: it counts from 0, as does what `then` does not have. Whatever
-/// is no count is that of `now`. Differences are worked out when they are read, so the counts of both must
-/// keep still.
+/// The switch `now` with the counts since `then`, an earlier state. A quad with any count below that of
+/// `then` was cleared in between and counts from 0, and so does a record that `then` does not have.
+/// Everything else is that of `now`. Differences are computed when they are read, so the counts of both
+/// states must not change.
 SwitchState since(SwitchState now, const SwitchState& then);
 
 }  // namespace loamshow

@@ -1,11 +1,13 @@
 #pragma once
 
+// Copies of live counters.
+
 #include "loamshow/state/Switch.h"
 
 namespace loamshow {
 
-/// The switch with its counts as they are now. Those of a source that goes on counting are copied, so that
-/// later counts can be compared with them; it raises what reading a record raises.
+/// The switch with its current counts. Live counts are copied, so that later ones can be compared with them.
+/// Throws the exceptions of reading a record.
 SwitchState frozen(SwitchState state);
 
 }  // namespace loamshow

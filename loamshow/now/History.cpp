@@ -15,14 +15,14 @@ Shown History::advance(SwitchState now) {
   Shown shown{now, Moment(now), {}};
   if (before_) {
     const SwitchState& then = before_->state;
-    // Of two that do not go together, the file is to blame, or else the later one.
+    // If two states do not match, the message names the file, or the later state if there is no file.
     const std::string at = (before_->isFile ? file_ : source_) + ": /switch/";
     if (!now.name.empty() && !then.name.empty() && now.name != then.name) {
       const auto [expected, actual] =
           before_->isFile ? std::pair(now.name, then.name) : std::pair(then.name, now.name);
       throw InputError(at + "name: expected " + printable(expected) + ", not " + printable(actual));
     }
-    // Two readings of this machine's clock say nothing about when the file was taken.
+    // Without takenAt, the times are those of reading, which do not tell when the file was written.
     if (!before_->isFile || shown.moment.isOfState())
       shown.seconds = shown.moment.secondsSince(before_->moment);
     if (shown.seconds.value_or(0) < 0) {

@@ -1,5 +1,7 @@
 #pragma once
 
+// The states of a switch that successive outputs show.
+
 #include <optional>
 #include <string>
 
@@ -8,23 +10,23 @@
 
 namespace loamshow {
 
-/// What an answer shows of a switch.
+/// What a command shows: a state, its time, and the interval.
 struct Shown {
   SwitchState state;
   Moment moment;
-  std::optional<double> seconds;  // that were counted, where that is known
+  std::optional<double> seconds;  // interval of the counts, if known
 };
 
-/// States of one switch, each of which counts from the one before.
+/// Successive states of one switch, each with the counts since the previous one.
 class History {
  public:
-  /// `source` is where the states come from, in messages.
+  /// `source` is the name of the source in messages.
   explicit History(std::string source) : source_(std::move(source)) {}
 
-  /// Makes the first state count from this one, which comes from `file`.
+  /// Sets the state from which the first one counts; `file` is its name in messages.
   void beginAt(const std::string& file, SwitchState state);
-  /// The counts of `now` since the state before; all of them when there is none. Raises InputError when one
-  /// of the two is another switch's, or they come in the wrong order.
+  /// The counts of `now` since the previous state; all counts if there is none. Throws InputError if the two
+  /// are of different switches, or in the wrong order.
   Shown advance(SwitchState now);
 
  private:

@@ -10,8 +10,8 @@ namespace loamshow {
 
 namespace {
 
-/// Where an answer holds dropped packets: the names of the members on the way to an object of counts. A name
-/// in braces stands for any member, and that member's name belongs to the row.
+/// The path to an object of counts in a command's output: names of members. A name in braces matches any
+/// member, whose name becomes a part of the row.
 struct Rule {
   std::string_view command;
   LossKind kind;
@@ -37,7 +37,7 @@ constexpr Rule rules[] = {
 constexpr std::size_t ingressRule = 0;
 constexpr std::size_t lagRule = 1;
 
-/// A name on the way.
+/// A step of a path.
 struct Step {
   enum class Kind : U8 { end, literal, source, interface, queue };
 
@@ -57,13 +57,13 @@ constexpr Step stepOf(std::string_view name) {
 constexpr std::size_t longestPath = 8;
 
 struct Path {
-  std::array<Step, longestPath + 1> steps;  // and an end
+  std::array<Step, longestPath + 1> steps;  // and the end of the path
   bool hasSource = false;
   bool hasInterface = false;
   bool hasQueue = false;
 };
 
-/// By rule.
+/// Indexed by rule.
 constexpr auto paths = [] {
   std::array<Path, std::size(rules)> split{};
   for (std::size_t rule = 0; rule < split.size(); ++rule) {
@@ -102,7 +102,7 @@ void LossReader::walk(JsonValue object, Rules active, std::size_t depth) {
       if (paths[rule].steps[depth].matches(in.key())) matching |= rest & -rest;
     }
     if (matching == 0) continue;
-    // Rules that have come the same way have the same kind of name next.
+    // Rules with the same path so far have the same kind of name next.
     const auto first = static_cast<std::size_t>(std::countr_zero(matching));
     if (!note(in.key(), first, depth)) continue;
     const Step::Kind next = paths[first].steps[depth + 1].kind;
@@ -115,8 +115,8 @@ void LossReader::walk(JsonValue object, Rules active, std::size_t depth) {
   }
 }
 
-/// Notes a name of the row; false when what is under it is not wanted. A name that is there again may bring
-/// rows that are there already.
+/// Stores a name of the row; false if the member's contents are not wanted. A repeated name may lead to
+/// repeated rows.
 bool LossReader::note(std::string_view key, std::size_t rule, std::size_t depth) {
   const Step::Kind kind = paths[rule].steps[depth].kind;
   if (kind == Step::Kind::queue) {
@@ -152,7 +152,7 @@ void LossReader::addRow(JsonValue counts, std::size_t rule) {
   if (path.hasInterface) loss.interface = interface_;
   if (path.hasSource) loss.source = source_;
   if (path.hasQueue && !queue_.empty()) loss.queue = losses_.name(queue_);
-  // The totals of policers are queues without a name.
+  // The totals of policers have empty queue names.
   if (loss.kind == LossKind::cpuVoq && loss.queue == LossName::none) loss.kind = LossKind::cpuPolicer;
   losses_.add(loss);
 }

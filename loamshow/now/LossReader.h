@@ -1,5 +1,7 @@
 #pragma once
 
+// From the commands' JSON output to the rows of `top`.
+
 #include <string_view>
 #include <vector>
 
@@ -8,38 +10,38 @@
 
 namespace loamshow {
 
-/// Reads what was dropped from the commands' JSON answers.
+/// Reads the dropped packets from the commands' JSON output.
 class LossReader {
  public:
   explicit LossReader(Losses& losses) : losses_(losses) {}
 
-  /// Adds the rows of a command's answer. Raises InputError for an answer of another form. Read `ingress`
-  /// before `queues`, of which only the VOQs of interfaces that `ingress` does not show are added.
+  /// Adds the rows of a command's output. Throws InputError for output of an unexpected form. Read `ingress`
+  /// before `queues`: VOQs of `queues` are added only for interfaces that `ingress` does not show.
   void read(std::string_view command, JsonReader& answer);
 
  private:
-  using Rules = U32;  // a bit for each of them
+  using Rules = U32;  // one bit per rule
 
   void walk(JsonValue object, Rules active, std::size_t depth);
   bool note(std::string_view key, std::size_t rule, std::size_t depth);
   void addRow(JsonValue counts, std::size_t rule);
 
   Losses& losses_;
-  // The names on the way to the counts that are being read.
+  // The names on the path to the current counts.
   LossName interface_ = LossName::none;
   LossName source_ = LossName::none;
   std::string_view queue_;
 
-  /// Where a name has been seen last, as a source and as an interface.
+  /// Where a name was last read as a source and as an interface.
   struct Seen {
-    U32 asSource = 0;     // the answer
-    U32 asInterface = 0;  // the collection
+    U32 asSource = 0;     // number of the output
+    U32 asInterface = 0;  // number of the collection
     bool inIngress = false;
   };
   Seen& seen(LossName name);
 
-  std::vector<Seen> seen_;  // by name
-  // Answers and collections of interfaces are numbered together, from 1.
+  std::vector<Seen> seen_;  // indexed by name
+  // Outputs and collections of interfaces share one numbering, from 1.
   U32 answer_ = 0;
   U32 collection_ = 0;
 };

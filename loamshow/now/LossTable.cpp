@@ -13,7 +13,7 @@ struct KindName {
   std::string_view text;
 };
 
-/// By kind.
+/// Indexed by kind.
 constexpr KindName kindNames[] = {{"voq", "VOQ"},
                                   {"egressUnicast", "egress unicast"},
                                   {"egressMulticast", "egress multicast"},
@@ -28,8 +28,8 @@ const KindName& nameOf(LossKind kind) {
   return kindNames[static_cast<std::size_t>(kind)];
 }
 
-/// The columns of the table: where those of text begin, and where those of numbers end. Rates are there when
-/// the interval is known.
+/// The columns of the table: where text columns begin, and where numeric ones end. There are rates if the
+/// interval is known.
 struct Columns {
   static constexpr std::size_t queue = 18;
   static constexpr std::size_t place = 24;
@@ -45,8 +45,8 @@ struct Columns {
 constexpr Columns withRates{50, 55, 69, 74};
 constexpr Columns withoutRates{54, 0, 74, 0};
 
-/// A line of the table, filled from the left. A value that is too wide pushes the next ones to the right, as
-/// little as their widths allow.
+/// A line of the table, filled from the left. A value that is too wide moves the next ones to the right, as
+/// little as possible.
 class Line {
  public:
   void left(std::size_t begin, std::string_view value) {
@@ -128,7 +128,7 @@ class Table {
                      ? "-"
                      : Nexo::IntfId(losses_.text(loss.interface)).shortName().view());
     line.left(Columns::queue, losses_.text(loss.queue));
-    // Without a queue, a long place begins in that column.
+    // If there is no queue, a long place begins in the queue column.
     const bool beginsEarly =
         loss.queue == LossName::none && Columns::place + place.size() > Columns::placeEnd;
     line.left(beginsEarly ? Columns::queue : Columns::place, place);

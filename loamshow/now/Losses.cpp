@@ -6,7 +6,8 @@ namespace loamshow {
 
 namespace {
 
-/// Kinds whose rows come from one place of an answer keep the order of the answer.
+/// Kinds whose rows come from the same part of the output have the same rank, and keep the order of the
+/// output.
 int rankOf(LossKind kind) {
   switch (kind) {
     case LossKind::egressMulticast:
@@ -31,7 +32,7 @@ std::size_t Loss::hash() const noexcept {
 
 Losses::Losses(bool byOctets) : byOctets_(byOctets) {
   constexpr std::size_t rowsOfALargeSwitch = std::size_t{1} << 19U;
-  rows_.reserve(rowsOfALargeSwitch);  // they are not moved while they grow; memory is used as they come
+  rows_.reserve(rowsOfALargeSwitch);  // avoids reallocation; unused room takes no memory
 }
 
 LossName Losses::name(std::string_view text) {
@@ -74,7 +75,7 @@ std::vector<const Loss*> Losses::worst(std::size_t most) const {
   const auto isWorse = [this](const Loss* left, const Loss* right) {
     if (amount(*left) != amount(*right)) return amount(*left) > amount(*right);
     if (rankOf(left->kind) != rankOf(right->kind)) return rankOf(left->kind) < rankOf(right->kind);
-    return left < right;  // side by side, as they were added
+    return left < right;  // contiguous, in the order in which they were added
   };
   const std::size_t count = most == 0 ? rows.size() : std::min(most, rows.size());
   const auto end = rows.begin() + static_cast<std::ptrdiff_t>(count);

@@ -8,19 +8,19 @@ namespace {
 
 using std::chrono::microseconds;
 
-/// The number in a part of a text that holds digits there.
+/// Parses the digits in a part of a text.
 int number(std::string_view text, std::size_t at, std::size_t size) {
   int number = 0;
   for (const char digit : text.substr(at, size)) number = 10 * number + (digit - '0');
   return number;
 }
 
-/// From a time as states have it: "2026-11-23T10:53:31Z", with up to six digits of fraction.
+/// Parses the time of a state: "2026-11-23T10:53:31Z", with up to six digits of fraction.
 microseconds sinceEpoch(std::string_view text) {
   using namespace std::chrono;
   const year_month_day date{year(number(text, 0, 4)), month(static_cast<unsigned>(number(text, 5, 2))),
                             day(static_cast<unsigned>(number(text, 8, 2)))};
-  std::string fraction(text.substr(19, text.size() - 20));  // with its point, if there is one
+  std::string fraction(text.substr(19, text.size() - 20));  // including the point, if any
   fraction.resize(7, '0');
   return sys_days(date).time_since_epoch() + hours(number(text, 11, 2)) + minutes(number(text, 14, 2)) +
          seconds(number(text, 17, 2)) + microseconds(number(fraction, 1, 6));

@@ -1,5 +1,7 @@
 #pragma once
 
+// Times of states.
+
 #include <chrono>
 #include <optional>
 #include <string>
@@ -9,23 +11,23 @@
 
 namespace loamshow {
 
-/// When a switch's counters were read: as its state says, else by the clocks of this machine.
+/// When a switch's counters were read: `takenAt` of its state, or the clocks of this machine.
 class Moment {
  public:
-  /// That of a state which is read at this moment.
+  /// The time of a state that has just been read.
   explicit Moment(const SwitchState& state);
 
   /// RFC 3339 in UTC.
   const std::string& text() const { return text_; }
   bool isOfState() const { return isOfState_; }
-  /// The seconds since another moment, unless only one of the two is known from a state. Negative when the
-  /// other one is later.
+  /// The seconds since another moment, if both are from states or both from the clock. Negative if the other
+  /// one is later.
   std::optional<double> secondsSince(const Moment& other) const;
 
  private:
   std::string text_;
   bool isOfState_;
-  std::chrono::microseconds time_;  // since 1970, or of a clock that nobody sets
+  std::chrono::microseconds time_;  // since 1970, or of a monotonic clock
 };
 
 }  // namespace loamshow

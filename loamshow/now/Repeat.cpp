@@ -23,12 +23,12 @@ namespace loamshow {
 
 namespace {
 
-/// When it is whose turn, in periods since the start.
+/// The times of the turns, in periods since the start.
 class Turns {
  public:
   explicit Turns(double period) : period_(period) {}
 
-  /// Waits for the next turn. Of those that have come due, it is the last one.
+  /// Waits for the next turn. If several are due, skips all but the last one.
   void await(const Screen* screen) {
     next_ = std::max(next_ + 1, std::floor(elapsed() / period_));
     sigset_t resizable;
@@ -51,7 +51,7 @@ class Turns {
   double next_ = 0;
 };
 
-/// What the source holds; nothing when it cannot be read this time.
+/// The current state of the source; nothing if it cannot be read this time.
 std::optional<SwitchState> readIfPossible(const Source& source) {
   try {
     return frozen(source.read());
@@ -105,7 +105,7 @@ void repeat(const CommandLine& line, const Source& source, History history, U32 
     state = readIfPossible(source);
   }
   if (!screen) return;
-  // The last answer stays.
+  // Leave the last output on the normal screen.
   const std::string last = screen->text();
   screen.reset();
   print(last, fd);

@@ -17,7 +17,7 @@ namespace loamshow {
 
 namespace {
 
-// The alternate screen, without a cursor; lines that are too long are cut.
+// The alternate screen, without a cursor and without line wrap.
 constexpr std::string_view enterSequence = "\x1b[?1049h\x1b[?25l\x1b[?7l";
 constexpr std::string_view leaveSequence = "\x1b[?7h\x1b[?25h\x1b[?1049l";
 constexpr std::string_view home = "\x1b[H";
@@ -25,11 +25,11 @@ constexpr std::string_view clearLine = "\x1b[K";
 constexpr std::string_view clearBelow = "\x1b[J";
 
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): for signal handlers
-volatile std::sig_atomic_t screenFd = -1;  // -1: there is no screen, or it has been left
+volatile std::sig_atomic_t screenFd = -1;  // -1: there is no screen, or it was left
 volatile std::sig_atomic_t resized = 0;
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-/// Changes screens. For signal handlers: a terminal that takes no output does not hold it up for long.
+/// Switches between screens. For signal handlers: a blocked terminal delays it for a limited time only.
 void put(int fd, std::string_view sequence) noexcept {
   constexpr int patience = 1000;  // milliseconds
   pollfd request{fd, POLLOUT, 0};
@@ -88,7 +88,7 @@ bool beginsCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80;
 }
 
-/// Appends a line, cut to a width. Control characters in names are not for the terminal.
+/// Appends a line, truncated to a width, with control characters of names replaced.
 void appendLine(std::string& frame, std::string_view line, std::size_t width) {
   std::size_t used = 0;
   for (const char byte : line) {
@@ -157,7 +157,7 @@ void Screen::draw() const {
     lines.resize(window.ws_row);
     lines.back() = more;
   }
-  // One write shows the frame at once: nothing flickers.
+  // A single write shows the complete frame without flicker.
   std::string frame(home);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (i > 0) frame += "\r\n";

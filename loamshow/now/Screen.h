@@ -1,14 +1,16 @@
 #pragma once
 
+// The alternate screen of a terminal.
+
 #include <csignal>
 #include <string>
 #include <string_view>
 
 namespace loamshow {
 
-/// A terminal's alternate screen, on which answers replace each other. The normal screen, with what stood on
-/// it, comes back when this object goes, and also before SIGTERM or SIGHUP ends the program or SIGTSTP stops
-/// it. There is one object at a time.
+/// A terminal's alternate screen, on which outputs replace each other. The normal screen and its contents are
+/// restored by the destructor, and also before SIGTERM or SIGHUP ends the program or SIGTSTP stops it. Only
+/// one object may exist at a time.
 class Screen {
  public:
   /// Whether the descriptor is a terminal that has such a screen.
@@ -19,13 +21,13 @@ class Screen {
   Screen& operator=(const Screen&) = delete;
   ~Screen();
 
-  /// Shows the top of a text, as much of it as fits.
+  /// Shows the first lines of a text, as many as fit.
   void show(std::string text);
   const std::string& text() const { return text_; }
-  /// Shows the text again if the window's size has changed. SIGWINCH is blocked but in system calls that
+  /// Shows the text again if the window's size has changed. SIGWINCH is blocked except in system calls that
   /// unblock it.
   void follow() const;
-  /// Brings the normal screen back. For signal handlers; without an object it does nothing.
+  /// Restores the normal screen. For signal handlers; does nothing if there is no object.
   static void leave() noexcept;
 
  private:

@@ -15,10 +15,10 @@ namespace {
 
 std::vector<const char*> commandsFor(const CommandLine& line) {
   if (line.interfaces.empty()) return {"ingress", "queues", "cpu", "acl", "mtu"};
-  return {"ingress", "queues", "acl"};  // those whose rows are of interfaces
+  return {"ingress", "queues", "acl"};  // the commands whose rows are of interfaces
 }
 
-/// Rounded to a tenth, as it is shown; nothing where that is 0.
+/// Rounded to 0.1, as shown; nothing if that is 0.
 std::optional<double> rounded(std::optional<double> seconds) {
   const double tenths = std::round(seconds.value_or(0) * 10);
   return tenths == 0 ? std::nullopt : std::optional(tenths / 10);

@@ -21,7 +21,7 @@ using LoamCounters::CounterQuad;
 using LoamCounters::RecordTables;
 using Nexo::IntfId;
 
-/// The entry of the counter agent that every command reads.
+/// The entry byte that every command uses.
 constexpr U8 entry = 56;
 
 // The order of keys: numbers as numbers, names by bytes.
@@ -71,7 +71,7 @@ Counted<Record> counted(const Record& record) {
   return {record, total};
 }
 
-/// Writes the parts of objects.
+/// Visits the members of objects and writes their parts.
 class Capturer {
  public:
   Capturer(JsonWriter& out, bool withCounts) : out_(out), withCounts_(withCounts) {}
@@ -125,7 +125,7 @@ class Capturer {
     write(*value);
   }
 
-  // Parts with a form of their own.
+  // Parts with a special form.
   template <U64 Highest, class Number>
   void write(UpTo<Highest, Number> part) {
     write(part.number);

@@ -1,5 +1,7 @@
 #pragma once
 
+// The command `check`: findings in a state.
+
 #include <string>
 #include <vector>
 
@@ -7,7 +9,7 @@
 
 namespace loamshow {
 
-/// Something in a switch's state that is well-formed, but cannot mean what it says.
+/// A well-formed but contradictory part of a switch's state.
 struct Finding {
   std::string member;  // a JSON pointer into the state file
   std::string problem;
@@ -15,8 +17,8 @@ struct Finding {
   bool operator==(const Finding&) const = default;
 };
 
-/// Everything that is wrong with a switch, in the order of the state file's members: ascending within a
-/// collection (numbers as numbers, names by bytes), by place within a list. Linear in the size of the state.
+/// All findings in the state of a switch, in the order of the state file's members: ascending within a
+/// collection (numbers as numbers, names by bytes), by index within a list. Takes linear time.
 std::vector<Finding> check(const SwitchState& state);
 
 }  // namespace loamshow

@@ -1,4 +1,4 @@
-// The chips, and what the CPU commands need of them.
+// Checks the chips, and the limits of the CPU command.
 
 #include "loamshow/state/CheckParts.h"
 
@@ -12,8 +12,8 @@ namespace {
 constexpr U32 mostCores = LocalCoreId::highest + 1;
 constexpr U32 mostCoresOfDrops = LocalCoreId::highest;
 
-/// The highest FAP port that names a VOQ of a CoPP class, where each input port has one: core c's ports start
-/// at 64 c, but those of the core whose number stands for all cores start at 0.
+/// The highest FAP port of a VOQ of a CoPP class, if each input port has one: the ports of core c start at 64
+/// c, but those of the core with the number of the aggregate core start at 0.
 U32 highestVoqPort(U32 cores, U32 voqs) {
   constexpr U32 portsPerCore = 64;
   U32 core = std::min(cores, mostCores) - 1;

@@ -1,4 +1,4 @@
-// Counters that no command reads, and totals that are not their queues' sum.
+// Finds counters that no command reads, and totals that are not the sum of their queues.
 
 #include <array>
 
@@ -16,7 +16,7 @@ using Nexo::IntfId;
 
 constexpr U8 anyEntry = 56;
 
-/// The interfaces that the switch has: those of any collection but the counters, and fabric multicast queues.
+/// The interfaces of the switch: those in any collection except the counters, and fabric multicast queues.
 class KnownInterfaces {
  public:
   explicit KnownInterfaces(const SwitchState& state) : names_({}) {
@@ -32,7 +32,7 @@ class KnownInterfaces {
     names_ = NameIndex(std::move(names));
   }
 
-  /// Empty for an interface that the switch has.
+  /// Empty for an interface of the switch.
   std::string problem(IntfId intf) {
     if (known_.contains(intf)) return "";
     const std::string name(intf.stringValue());
@@ -52,7 +52,7 @@ class KnownInterfaces {
   NameIndex names_;
 };
 
-/// Why an interface's FAP does not use records of that mode; empty where it does, or where there is no FAP.
+/// Why an interface's FAP does not use records of that mode; empty if it does, or if there is no FAP.
 std::string modeProblem(const SwitchState& state, IntfId intf, bool queueMode) {
   const Hardware::Loam::SystemPhyPortId* port = state.status->intfIdToSppid.find(intf);
   const FapId fap = state.status->portMap(port == nullptr ? Hardware::Loam::nullPort : *port).fapId;

@@ -1,4 +1,4 @@
-// Debug counters that have no records, or that the report cannot show.
+// Finds debug counters that have no records, or that the report cannot show.
 
 #include "loamshow/state/CheckParts.h"
 #include "loamshow/text/NameIndex.h"
@@ -11,7 +11,7 @@ using Brim::Counters::CounterDescriptor;
 using Brim::Counters::CounterDisplayType;
 using Brim::Counters::CounterFetchType;
 
-/// The number of records in the longest snapshot of a FAP; none has 0.
+/// The number of records in the longest snapshot of a FAP; 0 without snapshots.
 U32 longestSnapshot(const DebugFap& fap) {
   U32 longest = 0;
   if (fap.manager == nullptr) return longest;
@@ -19,7 +19,7 @@ U32 longestSnapshot(const DebugFap& fap) {
   return longest;
 }
 
-/// The check of one FAP's counters.
+/// Checks the counters of one FAP.
 class DebugCheck {
  public:
   DebugCheck(const DebugFap& fap, Findings& findings) : records_(longestSnapshot(fap)), findings_(findings) {}
@@ -39,7 +39,7 @@ class DebugCheck {
   }
 
  private:
-  /// Where the instances' records are: index = instance + offset, modulo 2^32.
+  /// Checks that the instances have records: index = instance + offset, modulo 2^32.
   void records(const std::string& member, const CounterDescriptor& descriptor, U32 offset) {
     if (descriptor.numInstances == 0) return;
     const bool given = descriptor.firstInstance != CounterDescriptor::noFirstInstance;

@@ -1,4 +1,4 @@
-// The interfaces that a user can name, and their ports.
+// Checks the interfaces that a user can name, and their ports.
 
 #include "loamshow/state/CheckParts.h"
 #include "loamshow/state/Coverage.h"
@@ -13,8 +13,8 @@ using Hardware::Loam::Status;
 using Hardware::Loam::SystemPhyPortId;
 using Nexo::IntfId;
 
-/// The names of the interfaces that have a port, first those that `interfaces` lacks: it is one of them that
-/// a mistyped entry was meant to be.
+/// The names of the interfaces that have a port, starting with those that are missing in `interfaces`,
+/// because a mistyped entry probably means one of them.
 NameIndex namesWithPort(const SwitchState& state) {
   Vane::HashMap<IntfId, bool> listed;
   for (const IntfId intf : state.interfaces) listed.set(intf, true);
@@ -28,7 +28,8 @@ NameIndex namesWithPort(const SwitchState& state) {
   return NameIndex(std::move(names));
 }
 
-/// The ports of the CoPP classes: their interfaces are names of classes, which have no port.
+/// Whether the port is that of a CoPP class. The interface of such a port is the class, which has no port
+/// itself.
 bool isCoppClassPort(SystemPhyPortId port) {
   const U16 number = port.value();
   return (number >= 12 && number <= 22) || (number >= 24 && number <= 56);
@@ -38,8 +39,8 @@ std::string portText(SystemPhyPortId port) {
   return "port " + std::to_string(port.value());
 }
 
-/// Interfaces and ports whose entries in the two collections are not each other's inverse: one finding for
-/// each interface.
+/// Finds interfaces and ports whose entries in the two collections are not inverse: one finding per
+/// interface.
 void checkNames(const Status& status, Findings& findings) {
   Vane::OrderedMap<Mote::String, std::string> problems;
   for (const auto& [intf, port] : status.intfIdToSppid) {
@@ -67,9 +68,9 @@ std::string shortNameProblem(const std::string& name, const std::string& longNam
   return name + " looks like a short name; did you mean " + longName + "?";
 }
 
-/// The ports of interfaces, each once, under the first of its interfaces' names.
+/// Checks the place of each interface's port, once per port, with the first of its interfaces.
 void checkPlaces(const SwitchState& state, Findings& findings) {
-  constexpr SystemPhyPortId fabricMeshSwitch{11};  // of the whole switch, on no FAP
+  constexpr SystemPhyPortId fabricMeshSwitch{11};  // belongs to the whole switch, not to a FAP
   Vane::OrderedMap<SystemPhyPortId, IntfId> ports;
   for (const IntfId intf : ascending(state.status->intfIdToSppid.keys())) {
     const SystemPhyPortId port = *state.status->intfIdToSppid.find(intf);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the parts of the check share, and the parts, each for a subject. All add to `findings`, in order.
+// The parts of the check, one per subject, and shared functions. Each part appends to `findings`, in order.
 
 #include <algorithm>
 #include <string>
@@ -13,7 +13,7 @@ namespace loamshow {
 
 using Findings = std::vector<Finding>;
 
-/// A step of a JSON pointer, with the slash before it.
+/// A step of a JSON pointer, with its slash.
 std::string step(std::string_view name);
 inline std::string step(U64 number) {
   return "/" + std::to_string(number);
@@ -25,7 +25,7 @@ std::string member(const Steps&... steps) {
   return (step(steps) + ...);
 }
 
-/// The keys of a hash collection in ascending order: interfaces by name, everything else by its number.
+/// The keys of a hash collection in ascending order: interfaces by name, others by number.
 template <class Key>
 std::vector<Key> ascending(std::vector<Key> keys) {
   if constexpr (std::is_same_v<Key, Nexo::IntfId>) {
@@ -36,15 +36,15 @@ std::vector<Key> ascending(std::vector<Key> keys) {
   return keys;
 }
 
-/// "Ethernet1/1" for "Et1/1", "Port-Channel1" for "Po1", in any case; empty for what does not look like a
-/// short name.
+/// "Ethernet1/1" for "Et1/1", "Port-Channel1" for "Po1", case-insensitive; empty for a text that does not
+/// look like a short name.
 std::string longNameOf(std::string_view shortName);
 
-/// A FAP in messages: its name, or "FAP 7" where it has none.
+/// A FAP in messages: its name, or "FAP 7" if it has none.
 std::string fapText(const SwitchState& state, Hardware::Loam::FapId fap);
 
-/// What is wrong with a FAP or a core that something is said to be on; empty for one that the switch has. The
-/// null FAP is none of the switch's.
+/// The problem with a reference to a FAP or a core; empty for one that the switch has. The switch does not
+/// have the null FAP.
 std::string fapProblem(const SwitchState& state, Hardware::Loam::FapId fap);
 std::string coreProblem(const SwitchState& state, Hardware::Loam::FapId fap,
                         Hardware::Loam::LocalCoreId core);

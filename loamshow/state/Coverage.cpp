@@ -7,7 +7,8 @@ namespace loamshow {
 namespace {
 
 bool hasFapCore(const Hardware::Loam::Status& status) {
-  // NOLINTNEXTLINE(readability-use-anyofallof): the walk ends at a sentinel, and its cursor is no standard iterator
+  // NOLINTNEXTLINE(readability-use-anyofallof): the walk has a sentinel, and its cursor is not a standard
+  // iterator
   for (const auto& [fap, cores] : status.fapNumCores) {
     if (cores != 0 && status.fapIdToName.contains(fap)) return true;
   }
@@ -37,7 +38,7 @@ std::string Coverage::reason() const {
 Coverage coverage(const SwitchState& state, Nexo::IntfId intf) {
   using Kind = Coverage::Kind;
   const Hardware::Loam::SystemPhyPortId* found = state.status->intfIdToSppid.find(intf);
-  // An interface without a port has the null port, which may have queues and a name like any other.
+  // An interface without a port has the null port, which may have queues and a name like any port.
   Coverage coverage{Kind::all, found == nullptr ? Hardware::Loam::nullPort : *found, {}};
   if (state.tmMapping->portTmMap.contains(coverage.port)) {
     coverage.portIntf = state.status->sppidToIntfId.get(coverage.port);

@@ -1,5 +1,7 @@
 #pragma once
 
+// Which commands can show an interface.
+
 #include <string>
 #include <string_view>
 
@@ -11,7 +13,7 @@ namespace loamshow {
 /// `acl` can show every interface.
 struct Coverage {
   enum class Kind : U8 {
-    all,         // each of them, under the interface's own name
+    all,         // all of them, under the interface's own name
     lagTable,    // `queues` only: its VOQs are counted in the LAG table
     noPort,      // none: it has no system port
     noQueues,    // none: its port has no traffic-manager queues
@@ -24,15 +26,15 @@ struct Coverage {
 
   bool byQueues() const { return kind == Kind::all || kind == Kind::lagTable; }
   bool byIngressAndDrops() const { return kind == Kind::all; }
-  /// Why a command has no rows for the interface, as a part of a message; empty where all have.
+  /// Why a command has no rows for the interface, for use in a message; empty if all commands have some.
   std::string reason() const;
 };
 
-/// Makes three look-ups, whatever the size of the switch.
+/// Takes three look-ups, independent of the size of the switch.
 Coverage coverage(const SwitchState& state, Nexo::IntfId intf);
 
-/// Why a command that takes interfaces never has rows for this one, whatever is counted: as a part of a
-/// message; empty where it can have some.
+/// Why a command never has rows for this interface, independent of counts: for use in a message; empty if it
+/// can have rows.
 std::string whyNoRows(const SwitchState& state, std::string_view command, Nexo::IntfId intf);
 
 }  // namespace loamshow

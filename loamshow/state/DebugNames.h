@@ -1,5 +1,7 @@
 #pragma once
 
+// Names for the options of `debug`.
+
 #include <string>
 #include <vector>
 
@@ -7,11 +9,11 @@
 
 namespace loamshow {
 
-/// The counter blocks that the switch's FAPs have, each once, in ascending order. A block is asked for by its
-/// name in any case, so those whose key is not in lower case, which no command finds, are left out.
+/// The counter blocks of the switch's FAPs, each once, in ascending order. Blocks are looked up by lower-case
+/// name, so those with upper-case letters in their key, which no command finds, are omitted.
 std::vector<std::string> debugBlocks(const SwitchState& state);
 
-/// The snapshots that the switch's FAPs have, each once, in ascending order.
+/// The snapshots of the switch's FAPs, each once, in ascending order.
 std::vector<std::string> debugSnapshots(const SwitchState& state);
 
 }  // namespace loamshow

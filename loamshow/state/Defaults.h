@@ -1,6 +1,6 @@
 #pragma once
 
-// Which parts of a state file need not be written: those that are read as they are when they are missing.
+// Determines which parts of a state file need not be written, because a missing part reads the same.
 
 #include <array>
 #include <string_view>
@@ -11,7 +11,7 @@
 
 namespace loamshow {
 
-/// A record's quads without the zero ones at its end, which need not be written.
+/// A record's quads without trailing zero quads, which need not be written.
 inline std::vector<LoamCounters::CounterQuad> quadsOf(const LoamCounters::IngressTcCounter& record) {
   return {record.queues().begin(), record.queues().end()};
 }
@@ -28,7 +28,7 @@ std::vector<LoamCounters::CounterQuad> writtenQuads(const Record& record) {
   return quads;
 }
 
-// Whether a part is as it would be without being written.
+// Whether a part has its default.
 
 template <class Number>
 requires std::is_arithmetic_v<Number>

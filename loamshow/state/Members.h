@@ -1,9 +1,9 @@
 #pragma once
 
-// The members of every object of a state file, in the order of the file and each declared once.
-// `members(visit, object)` calls visit(name, part) for each member until a call returns true, and returns
-// whether one did: a reader takes the part whose name it has met, a writer writes all of them. A part is a
-// field of the object, or one of Parts.h.
+// Declares the members of every object of a state file once, in the order of the file. `members(visit,
+// object)` calls visit(name, part) for each member until a call returns true, and returns whether one did: a
+// reader reads the part with the name that it has found, a writer writes all of them. A part is a field of
+// the object, or a type of Parts.h.
 
 #include <concepts>
 #include <string_view>
@@ -49,7 +49,7 @@ bool members(Visit& visit, T& status) {
          visit("fabricMeshDropPort", status.fabricMeshDropPort) ||
          visit("fapToSflowAccelSppid", status.fapToSflowAccelSppid) || visit("ipsecPort", status.ipsecPort) ||
          visit("eventorPort", status.eventorPort) || visit("cpuRecircEnabled", status.cpuRecircEnabled) ||
-         // A sub-interface has no more VOQs than there are traffic classes to share among them.
+         // A sub-interface has at most one VOQ per traffic class.
          visit("subIntfNumVoqs", upTo<8>(status.subIntfNumVoqs)) ||
          visit("coppClassNumVoqs", status.coppClassNumVoqs);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The parts of a state file where a field of an object alone does not tell what the file may hold, and the
-// entries of its lists. The deduction guides are for Clang 14.
+// Parts of a state file that are not described by the type of a field alone, and the entries of its lists.
+// The deduction guides are for Clang 14.
 
 #include <string_view>
 #include <vector>
@@ -10,7 +10,7 @@
 
 namespace loamshow {
 
-/// A number with a range of its own: 0 to `Highest`.
+/// A number from 0 to `Highest`.
 template <U64 Highest, class Number>
 struct UpTo {
   Number& number;
@@ -27,7 +27,7 @@ struct Keyed {
   const Mote::String& key;
 };
 
-/// A name that is the object's key unless another is given.
+/// A name that defaults to the object's key.
 template <class String>
 struct NameOrKey {
   String& name;
@@ -44,7 +44,7 @@ struct FirstInstance {
 template <class Number>
 FirstInstance(Number&) -> FirstInstance<Number>;
 
-/// A list of names of interfaces, none of them empty and none twice.
+/// A list of names of interfaces, none of them empty or repeated.
 template <class List>
 struct Interfaces {
   List& list;
@@ -67,14 +67,14 @@ Set(Map&, bool) -> Set<Map>;
 template <class Entry, class Map>
 struct EntryList {
   Map& map;
-  std::string_view key;  // as messages name it
+  std::string_view key;  // its name in messages
 };
 template <class Entry, class Map>
 EntryList<Entry, Map> entryList(Map& map, std::string_view key) {
   return {map, key};
 }
 
-// The entries, and objects whose parts are not fields of one platform object.
+// Entries of lists, and objects whose parts are not fields of one platform object.
 
 struct PlacedIntf {
   Hardware::Loam::PortMap key;
@@ -129,7 +129,7 @@ struct Debug {
   State& state;
 };
 
-/// A record, and its total where that is not the sum of the record's quads.
+/// A record, and its total if that is not the sum of the record's quads.
 template <class Record>
 struct Counted {
   Record record;
@@ -188,7 +188,7 @@ struct IngressTable {
   Tables& tables;
 };
 
-/// The records of interfaces: where memory keeps them, and how to get them from any tables.
+/// The records of interfaces: their map in tables in memory, and the functions to read them from any tables.
 template <class Tables, class Record>
 struct EgressTable {
   Tables& tables;

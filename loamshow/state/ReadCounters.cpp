@@ -21,7 +21,7 @@ void readQueues(JsonValue list, std::size_t capacity, ReadQueue readQueue) {
   }
 }
 
-/// Gives the record its total: that of the file, else the sum of the quads.
+/// Sets the record's total: that of the file, or the sum of the quads.
 template <class Record>
 void settleTotal(Counted<Record>& counted) {
   static_cast<CounterQuad&>(counted.record.total) = counted.total ? *counted.total : sumOf(counted.record);
@@ -30,7 +30,7 @@ void settleTotal(Counted<Record>& counted) {
 }  // namespace
 
 void read(JsonValue value, CounterQuad& into) {
-  std::array<U64, 4> counts;  // NOLINT(cppcoreguidelines-pro-type-member-init): all of them are read
+  std::array<U64, 4> counts;  // NOLINT(cppcoreguidelines-pro-type-member-init): all are read
   value.integers(counts, "expected four counts");
   into = {counts[0], counts[1], counts[2], counts[3]};
 }

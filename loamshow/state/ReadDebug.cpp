@@ -8,7 +8,7 @@ using Brim::Counters::CounterDescriptorDir;
 using Brim::Counters::MemoryShmemManager;
 using Brim::Counters::ShmemManager;
 
-/// The descriptor of a counter or of a field, whose key is its name unless it gives another.
+/// The descriptor of a counter or of a field, whose name defaults to its key.
 template <class Descriptor>
 static void readItem(JsonValue value, const Mote::String& key, Mote::Ptr<const Descriptor>& item) {
   const auto descriptor = Mote::make<Descriptor>();

@@ -1,6 +1,6 @@
 #pragma once
 
-// Reads the values of a state file as the types that they stand for. Everything raises InputError.
+// Reads the values of a state file as their types. All functions throw InputError.
 
 #include <limits>
 #include <string_view>
@@ -14,7 +14,7 @@ namespace loamshow {
 template <class T>
 constexpr U64 most = std::numeric_limits<T>::max();
 
-/// A value to read another one into.
+/// A default value to read into.
 template <class T>
 T blank() {
   if constexpr (requires { T::lowest; }) {
@@ -37,7 +37,7 @@ inline void readKey(const JsonMembers& member, Mote::String& key) {
 inline void readKey(const JsonMembers& member, Nexo::IntfId& key) {
   key = Nexo::IntfId(checkedName(member.value(), member.key()));
 }
-/// A FAP that is there: not the null FAP.
+/// A FAP other than the null FAP.
 inline void readKey(const JsonMembers& member, Hardware::Loam::FapId& key) {
   using Hardware::Loam::FapId;
   key = FapId(member.keyInteger(FapId::lowest, FapId::highest - 1));
@@ -50,7 +50,7 @@ inline void readKey(const JsonMembers& member, U16& key) {
   key = static_cast<U16>(member.keyInteger(0, most<U16>));
 }
 
-// Values, each read into the place that holds it.
+// Values.
 
 inline void read(JsonValue value, bool& into) {
   into = value.boolean();
@@ -88,7 +88,7 @@ void read(JsonValue value, UpTo<Highest, Number> into) {
   into.number = static_cast<Number>(value.integer(0, Highest));
 }
 
-// Parts that are read in one way only, each defined with its objects.
+// Parts that occur in one kind of object only, defined with that object.
 void read(JsonValue value, Interfaces<std::vector<Nexo::IntfId>> into);
 void read(JsonValue value, FabricMcastRange<SwitchState> into);
 void read(JsonValue value, SwitchName<Mote::String> into);
@@ -96,7 +96,7 @@ void read(JsonValue value, Time<Mote::String> into);
 void read(JsonValue value, LoamCounters::RecordTables& into);
 void read(JsonValue value, DebugFaps<std::vector<DebugFap>> into);
 
-/// Reads the part whose name is that of the member met.
+/// Reads the part with the name of the current member.
 class MemberReader {
  public:
   explicit MemberReader(JsonMembers& in) : in_(in) {}

@@ -20,7 +20,7 @@ namespace {
 using namespace LoamCounters;
 using std::chrono::nanoseconds;
 
-/// A time as a state file writes it, to the millisecond.
+/// A time as in a state file, in milliseconds.
 Mote::String timeText(nanoseconds sinceEpoch) {
   const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(sinceEpoch).count();
   const auto wholeSeconds = static_cast<double>(milliseconds / 1000);
@@ -30,7 +30,7 @@ Mote::String timeText(nanoseconds sinceEpoch) {
   return text + '.' + fraction.substr(1) + 'Z';
 }
 
-/// What to say of a writer that has not given a sign of life for long; empty when it has.
+/// The warning about a writer that has given no sign of life for long; empty if it has.
 std::string silence(const std::string& name, nanoseconds now, U64 last) {
   constexpr U64 second = 1'000'000'000;
   constexpr U64 longest = 10 * second;
@@ -76,7 +76,7 @@ void surviveTruncatedRegions() {
   action.sa_flags = SA_SIGINFO;
   action.sa_sigaction = [](int signal, siginfo_t* fault, void* /*context*/) {
     const int error = errno;
-    // The access that failed is repeated, and ends the process unless there are zeros now.
+    // The failed access is repeated, and ends the process unless the page was replaced.
     if (!coverRegionHole(fault->si_addr)) ::signal(signal, SIG_DFL);
     errno = error;
   };

@@ -1,21 +1,23 @@
 #pragma once
 
+// Reads a switch from a counter region.
+
 #include <string>
 
 #include "loamshow/state/Switch.h"
 
 namespace loamshow {
 
-/// Whether an open file begins as a counter region does.
+/// Whether an open file begins like a counter region.
 bool isRegion(int fd);
 
-/// The switch in a counter region, whose counters are read when they are asked for. `name` stands for the
-/// region in errors, the descriptor stays the caller's. Raises InputError, and RegionException for a region
-/// that is damaged. Reading its counters raises RegionException, too, and RecordException.
+/// The switch in a counter region, whose counters are read on demand. `name` is the region's name in errors;
+/// the caller keeps ownership of the descriptor. Throws InputError, and RegionException for a damaged region.
+/// Reading the counters may throw RegionException and RecordException.
 SwitchState regionState(const std::string& name, int fd);
 
-/// Makes a region that another process truncates an exception instead of the end of this process. To be
-/// called once, before regions are read.
+/// Installs a SIGBUS handler, so that a region truncated by another process causes an exception instead of
+/// ending this process. Call it once, before regions are read.
 void surviveTruncatedRegions();
 
 }  // namespace loamshow

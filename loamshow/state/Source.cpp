@@ -17,7 +17,7 @@ namespace loamshow {
 
 namespace {
 
-/// A descriptor that is closed with it, unless it is standard input's.
+/// Owns a descriptor, unless it is that of standard input.
 class OpenFile {
  public:
   explicit OpenFile(const std::string& path)
@@ -33,14 +33,13 @@ class OpenFile {
   int fd_;
 };
 
-/// Grows with what is appended. The room that it has is never copied by hand: growing a large block moves
-/// pages.
+/// A growing buffer. It uses realloc, which moves the pages of a large block instead of copying them.
 class Buffer {
  public:
   explicit Buffer(std::size_t room) { grow(room); }
 
   std::size_t size() const { return size_; }
-  /// The bytes read; negative on a failure, 0 at the end.
+  /// Returns the number of bytes read; negative on failure, 0 at the end.
   ssize_t append(int fd) {
     if (size_ == room_) grow(2 * room_);
     const ssize_t got = ::read(fd, bytes_.get() + size_, room_ - size_);
@@ -51,7 +50,7 @@ class Buffer {
 
  private:
   void grow(std::size_t room) {
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): what is not read into stays untouched
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): unused room stays untouched
     auto* grown = static_cast<char*>(std::realloc(bytes_.get(), room + JsonText::padding));
     if (grown == nullptr) throw std::bad_alloc();
     static_cast<void>(bytes_.release());
@@ -64,7 +63,7 @@ class Buffer {
   std::size_t room_ = 0;
 };
 
-/// Room for the rest of a file and for finding its end; for a pipe, room to begin with.
+/// Initial room: one byte more than a file, to detect its end; a minimum for a pipe.
 std::size_t roomFor(int fd, std::size_t most) {
   constexpr std::size_t least = std::size_t{64} * 1024;
   struct stat status {};

@@ -1,5 +1,7 @@
 #pragma once
 
+// Sources of states.
+
 #include <cstddef>
 #include <string>
 
@@ -8,28 +10,27 @@
 
 namespace loamshow {
 
-/// A source that cannot be opened or read at this time.
+/// A source that currently cannot be opened or read.
 class Unreadable : public InputError {
  public:
   using InputError::InputError;
 };
 
-/// Where a switch's state comes from: a state file or a counter region, whichever its content is, or standard
+/// The source of a switch's state: a state file or a counter region, recognized by its content, or standard
 /// input, which can be read once.
 class Source {
  public:
-  /// The largest state file that is read, in bytes, so that a file without an end does not exhaust the
-  /// memory.
+  /// The size limit of a state file, in bytes, so that an endless file does not exhaust the memory.
   static constexpr std::size_t mostBytes = std::size_t{1} << 30;
 
-  /// `path` names a file; "-" is standard input. Nothing is opened yet.
+  /// `path` is a file; "-" means standard input. Does not open it yet.
   explicit Source(std::string path, std::size_t most = mostBytes);
 
-  /// The source in messages.
+  /// The source's name in messages.
   const std::string& name() const { return name_; }
 
-  /// Opens the source and reads the state that it holds now. Raises Unreadable, or another InputError for
-  /// what is read and is no state, RegionException for a damaged region.
+  /// Opens the source and reads its current state. Throws Unreadable, another InputError for an invalid
+  /// state, or RegionException for a damaged region.
   SwitchState read() const;
 
  private:

@@ -13,7 +13,7 @@ using Hardware::Loam::VoqId;
 
 namespace {
 
-/// Whether the text is a time of RFC 3339 in UTC: seconds from 00 to 59, up to six digits of fraction.
+/// Whether the text is an RFC 3339 time in UTC: seconds from 00 to 59, up to six digits of fraction.
 bool isUtcTime(std::string_view text) {
   constexpr std::string_view layout = "dddd-dd-ddTdd:dd:dd";
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };

@@ -1,5 +1,7 @@
 #pragma once
 
+// Reads state files.
+
 #include <string>
 #include <string_view>
 
@@ -8,14 +10,14 @@
 
 namespace loamshow {
 
-/// Loads a state file; "-" is standard input. Raises InputError, which names the file and the member, for
-/// anything that is not as it should be.
+/// Loads a state file; "-" means standard input. Throws InputError, which names the file and the member, for
+/// an invalid file.
 SwitchState loadStateFile(const std::string& path);
-/// The same for a text; `name` stands for the file.
+/// The same for a text; `name` is its name in messages.
 SwitchState parseState(const std::string& name, std::string_view text);
 SwitchState parseState(const std::string& name, JsonText text);
 
-/// Makes the state's switch the one that this process runs on: its clock and its fabric multicast range.
+/// Sets the process-wide properties of the switch: its clock and its fabric multicast range.
 void mountProcessWide(const SwitchState& state);
 
 }  // namespace loamshow

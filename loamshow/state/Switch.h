@@ -1,5 +1,7 @@
 #pragma once
 
+// A switch in memory.
+
 #include <string>
 #include <vector>
 
@@ -14,15 +16,15 @@ namespace loamshow {
 struct DebugFap {
   Mote::String name;
   LoamCounters::FapDescriptor::PtrConst descriptor;
-  Brim::Counters::ShmemManager::PtrConst manager;  // null where the FAP has none
+  Brim::Counters::ShmemManager::PtrConst manager;  // null if the FAP has none
 };
 
 /// A switch as a state file describes it: the interfaces that a user can name, and the state objects and
 /// counters that the commands read.
 struct SwitchState {
-  Mote::String name;     // empty: not given
+  Mote::String name;     // empty: unknown
   Mote::String takenAt;  // when the counters were read: RFC 3339 in UTC; empty: not given
-  bool isLive = false;   // the counts go on changing while they are read
+  bool isLive = false;   // the counts may change while they are read
   std::vector<Nexo::IntfId> interfaces;
   Hardware::Loam::Status::Ptr status = Mote::make<Hardware::Loam::Status>();
   LoamTm::TmMapping::Ptr tmMapping = Mote::make<LoamTm::TmMapping>();
@@ -35,7 +37,7 @@ struct SwitchState {
   Vane::Seconds switchTimeOffset;
   Hardware::Loam::VoqId fabricMcastVoqMin{0};
   Hardware::Loam::VoqId fabricMcastVoqMax{7};
-  std::string warning;  // what its reader should know of the source; empty: nothing
+  std::string warning;  // a warning about the source; empty: none
 };
 
 }  // namespace loamshow

@@ -12,7 +12,7 @@ std::string printable(std::string_view text) {
   if (text.size() <= most) return tabula::masked(text);
   std::size_t end = most;
   while (end > most - 4 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
-    --end;  // not within a character
+    --end;  // do not split a character
   }
   return tabula::masked(text.substr(0, end)) + "...";
 }

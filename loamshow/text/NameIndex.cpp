@@ -10,7 +10,7 @@ namespace loamshow {
 namespace {
 
 constexpr std::size_t mostMistakes = 2;
-// A name has half the square of its length shortenings. No switch has longer names.
+// The number of shortenings of a name is half the square of its length. Real names are not longer than this.
 constexpr std::size_t longestName = 40;
 
 /// Calls visit(hash, characters left out) for a text and each way to leave out `most` of its characters or

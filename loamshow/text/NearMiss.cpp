@@ -9,8 +9,8 @@ namespace loamshow {
 
 namespace {
 
-/// Whether that many mistakes at the most, each a character missing, added, wrong or swapped with the next,
-/// lead from one text to the other.
+/// Whether two texts differ by at most that many mistakes: a character missing, added, wrong or swapped with
+/// the next.
 bool isNear(std::string_view left, std::string_view right, std::size_t mistakes) {
   const auto [at, other] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
   left.remove_prefix(static_cast<std::size_t>(at - left.begin()));

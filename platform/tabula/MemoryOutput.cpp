@@ -25,7 +25,7 @@ thread_local MemoryOutput* innermost = nullptr;
 
 }  // namespace
 
-// The open file keeps the number of its descriptor from any other file.
+// The open file reserves the number of its descriptor.
 MemoryOutput::MemoryOutput() : fd_(::open("/dev/null", O_WRONLY | O_CLOEXEC)), outer_(innermost) {
   if (fd_ < 0) fail();
   innermost = this;
@@ -64,7 +64,7 @@ void MemoryOutput::reserve(std::size_t size) {
   if (bytes == MAP_FAILED) fail();
   bytes_ = static_cast<char*>(bytes);
   capacity_ = capacity;
-  // An answer of a large switch fills thousands of small pages. Where there are no huge ones, those serve.
+  // The output of a large switch fills thousands of small pages. Without huge pages, small ones are used.
   ::madvise(bytes_, capacity_, MADV_HUGEPAGE);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Output captured in memory.
+
 #include <cstddef>
 #include <string_view>
 
@@ -7,28 +9,28 @@
 
 namespace tabula {
 
-/// A descriptor whose output stays in the memory of the process, for a host that reads an answer before it
-/// shows it: what a Printer of the same thread writes to fd() is appended to text(), without a system call.
-/// Anything else that is written to fd() is lost. Objects of a thread are destroyed in reverse order of their
-/// creation.
+/// A descriptor whose output stays in the memory of the process, for a host that processes output before it
+/// shows it. The output of a Printer of the same thread to fd() is appended to text(), without a system call.
+/// Anything else that is written to fd() is lost. Objects of a thread must be destroyed in reverse order of
+/// their creation.
 class MemoryOutput {
  public:
-  /// Raises std::system_error when there is no descriptor left.
+  /// Throws std::system_error if there is no free descriptor.
   MemoryOutput();
   MemoryOutput(const MemoryOutput&) = delete;
   MemoryOutput& operator=(const MemoryOutput&) = delete;
   ~MemoryOutput();
 
   U32 fd() const { return static_cast<U32>(fd_); }
-  /// What has been written since the last clear(), with `padding` zero bytes after it. Valid until more is
+  /// What has been written since the last clear(), followed by `padding` zero bytes. Valid until more is
   /// written.
   std::string_view text(std::size_t padding = 0);
-  /// Forgets what has been written, and keeps its memory for what will be.
+  /// Discards what has been written, and keeps the memory for reuse.
   void clear() { size_ = 0; }
 
   /// The thread's object of that descriptor; null for any other descriptor.
   static MemoryOutput* find(int fd) noexcept;
-  /// Raises std::system_error when the memory does not suffice.
+  /// Throws std::system_error if there is not enough memory.
   void append(std::string_view bytes);
 
  private:

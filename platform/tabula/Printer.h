@@ -30,7 +30,7 @@ class Printer : public Renderer {
   void awaitWritable() const;
 
   const int fd_;
-  MemoryOutput* const memory_;  // of that descriptor, if it is one
+  MemoryOutput* const memory_;  // the memory output of that descriptor, if any
   const int exceptions_;        // number of uncaught exceptions at construction
 };
 

@@ -2,13 +2,13 @@
 
 namespace loambench {
 
-/// Rows rendered in memory, against peers that render the same.
+/// Rows rendered in memory, compared with other libraries that render the same.
 void addRows();
-/// Whole commands, against the floor of their writes; growth, memory, start.
+/// Complete commands, compared with the time of their writes; growth, memory, start.
 void addCommands();
-/// Loading a state file, and a call that loads one, against a fast parser on the same text.
+/// Loading a state file, and a process that loads one, compared with a fast parser on the same text.
 void addLoading();
-/// A counter region against a state file and against memory.
+/// A counter region, compared with a state file and with memory.
 void addRegions();
 
 }  // namespace loambench

@@ -1,4 +1,4 @@
-// Whole commands against their floor: the same bytes, already formatted, in the same writes.
+// Complete commands, compared with a lower bound: the same writes of bytes that are already formatted.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -31,7 +31,7 @@ const char* formatName(U32 format) {
   return format == tabula::formatText ? "text" : "JSON";
 }
 
-/// Where an answer goes, for as long as it lives.
+/// The destination of an output.
 class Sink {
  public:
   Sink() = default;
@@ -50,7 +50,7 @@ class NullSink : public Sink {
   int fd_ = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
 };
 
-/// A file in memory, written from its start each time.
+/// A file in memory, overwritten each time.
 class FileSink : public Sink {
  public:
   ~FileSink() override { ::close(fd_); }
@@ -108,7 +108,7 @@ void addFloors() {
   }
 }
 
-/// A debug report of 200 blocks of 500 counters, and the values that it shows.
+/// A debug report of 200 blocks of 500 counters, with their values.
 struct DebugReport {
   static constexpr int blocks = 200;
   static constexpr U32 counters = 500;
@@ -141,7 +141,7 @@ struct DebugReport {
     debugCountersPrinterFactory()->printDebugCountersPerAFap(managers, descriptors, static_cast<U32>(fd),
                                                              tabula::formatText, "current", false, {});
   }
-  /// What the texts of its times cost.
+  /// Formats its times, to measure their part of the cost.
   void formatTimes() const {
     std::size_t size = 0;
     for (const Counter& value : values) {
@@ -190,7 +190,7 @@ void addGrowth() {
   }
 }
 
-/// The kilobytes by which a child process grows at its peak while it answers.
+/// The kilobytes by which a child process grows at most during a command.
 long peakGrowth(const Answer& answer) {
   int result[2];
   if (::pipe(result) != 0) std::abort();
@@ -220,7 +220,7 @@ long peakGrowth(const Answer& answer) {
 }
 
 void addMemory() {
-  // 32 rows an interface: eight queues from each of four cores.
+  // 32 rows per interface: eight queues from each of four cores.
   const auto peak = [](std::size_t interfaces) {
     const BusySwitch busy(interfaces);
     return peakGrowth(command(busy, "ingress", tabula::formatText));

@@ -1,4 +1,4 @@
-// Loading a state file of 5,000 interfaces and eight cores, against a parse of the same text into a tree.
+// Loading a state file of 5,000 interfaces and eight cores, compared with parsing the same text into a tree.
 
 #include <fcntl.h>
 #include <simdjson.h>
@@ -57,7 +57,7 @@ class StateFile {
   int fd_ = ::memfd_create("state", MFD_CLOEXEC);
 };
 
-/// A call of loamshow on a state file, its answer into a pipe or to /dev/null.
+/// A process of loamshow on a state file, with output to a pipe or to /dev/null.
 class Call {
  public:
   enum class Output { pipe, null };
@@ -85,9 +85,9 @@ class Call {
   Call& operator=(const Call&) = delete;
   ~Call() { ::close(pipe_[0]); }
 
-  /// The peak so far in bytes, once the answer into the pipe has begun; its rest, larger than a pipe, keeps
-  /// the call alive. Its own figure when it ends would be no less than the peak of the process that started
-  /// it.
+  /// The peak memory so far in bytes, after output to the pipe has begun; the rest of the output does not fit
+  /// into the pipe, so the process is still running. The figure that the kernel reports at its end is at
+  /// least the peak of its parent.
   double peakMemory() const {
     char first = 0;
     if (::read(pipe_[0], &first, 1) != 1) std::abort();
@@ -97,7 +97,7 @@ class Call {
     }
     std::abort();
   }
-  /// Reads the answer to its end: what the call took.
+  /// Reads the output to its end, and returns the resources used.
   rusage end() const {
     std::vector<char> block(std::size_t{64} * 1024);
     while (::read(pipe_[0], block.data(), block.size()) > 0) {
@@ -121,7 +121,7 @@ double cpuTimeOfThisProcess() {
   return 1e3 * static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
-/// The CPU time of a call over that of a parse: the median of several pairs.
+/// The CPU time of a process relative to that of a parse: the median of several pairs.
 double callOverParse(const std::string& text) {
   const StateFile file(text);
   std::vector<double> ratios(11);
@@ -141,7 +141,7 @@ double cpuTimeOf(const Call& call) {
   return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
 }
 
-/// The CPU time of `top` over that of `ingress --json`, loading included in both: the median of several
+/// The CPU time of `top` relative to that of `ingress --json`, both including loading: the median of several
 /// pairs.
 double topOverIngress() {
   const StateFile file(busyStateFile(interfaces, Layout::oneLine));
@@ -154,7 +154,7 @@ double topOverIngress() {
   return ratios[5];
 }
 
-/// Loads two states and shows the queues of the second one, or what they counted since the first.
+/// Loads two states and shows the queues of the second one, or the counts since the first.
 void showAfterTwoLoads(const std::string& text, bool isSince) {
   static const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   loamshow::CommandLine line;

@@ -1,4 +1,4 @@
-// A counter region against a state file and against memory, for 5,000 interfaces on eight cores.
+// A counter region, compared with a state file and with memory, for 5,000 interfaces on eight cores.
 
 #include <fcntl.h>
 #include <spawn.h>

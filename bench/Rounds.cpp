@@ -20,7 +20,7 @@ struct Line {
   std::string target;
 };
 
-/// By benchmark and figure: how the table shows it.
+/// The lines of the table, by benchmark and figure.
 std::map<std::string, std::map<std::string, Line>>& lines() {
   static std::map<std::string, std::map<std::string, Line>> lines;
   return lines;

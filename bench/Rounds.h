@@ -1,5 +1,7 @@
 #pragma once
 
+// Benchmarks in rounds, and the table of their figures.
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,23 +12,23 @@ namespace loambench {
 struct Competitor {
   std::string name;
   std::function<void()> run;
-  std::string target;  // of its ratio to the first one, as the table shows it
+  std::string target;  // target for its ratio to the first one, as the table shows it
 };
 
-/// Adds a benchmark of competitors, which `prepare` makes when it is their turn. In each of its rounds every
-/// competitor runs once, in an order that rotates from round to round, because the machine's speed changes
-/// for seconds at a time. Its figures are the medians over the rounds of how much longer a competitor takes
-/// than the first in the same round.
+/// Adds a benchmark of competitors, which `prepare` creates when the benchmark begins. Every competitor runs
+/// once per round, in an order that rotates from round to round, because the machine's speed may change for
+/// seconds. The figures are ratios to the time of the first competitor in the same round, as medians over the
+/// rounds.
 void addComparison(const std::string& what, int rounds, std::function<std::vector<Competitor>()> prepare);
 
-/// Adds a benchmark whose figure is what `measure` answers.
+/// Adds a benchmark whose figure is the result of `measure`.
 void addFigure(const std::string& what, const std::string& unit, const std::string& target,
                std::function<double()> measure);
 
 /// Runs the benchmarks that the arguments select and prints one table of their figures.
 int runAll(int argc, char** argv);
 
-/// Ends the program when two competitors' bytes differ.
+/// Ends the program if the outputs of two competitors differ.
 void requireSame(const std::string& what, const std::string& ours, const std::string& theirs);
 
 }  // namespace loambench

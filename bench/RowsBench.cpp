@@ -1,5 +1,5 @@
-// Rows of 2,000 interfaces of 8 traffic classes, rendered in memory: by the row functions themselves, and by
-// peers that make the same calls.
+// Rows of 2,000 interfaces with 8 traffic classes, rendered in memory by the row functions and by other
+// libraries.
 
 #include <fmt/compile.h>
 #include <fmt/format.h>
@@ -30,7 +30,7 @@ using namespace LoamCounters;
 constexpr std::size_t blockSize = std::size_t{64} * 1024;
 constexpr std::size_t interfaceCount = 2000;
 
-/// A printer whose output goes nowhere, or is kept.
+/// A printer that discards or keeps its output.
 class MemoryPrinter : public tabula::Printer {
  public:
   MemoryPrinter(U32 format, std::string* kept) : Printer(-1, format, true, false, true, 0), kept_(kept) {}
@@ -44,7 +44,7 @@ class MemoryPrinter : public tabula::Printer {
   std::string* kept_;
 };
 
-/// Where a peer's output goes: a block that is discarded, or kept, when it is full.
+/// The output of another library: a block that is discarded or kept when it is full.
 class Block {
  public:
   explicit Block(std::string* kept) : kept_(kept) {}
@@ -65,7 +65,7 @@ class Block {
   std::string* kept_;
 };
 
-/// A stream buffer of the same size, discarded likewise.
+/// A stream buffer of the same size, which is also discarded.
 class BlockBuffer : public std::streambuf {
  public:
   explicit BlockBuffer(std::string* kept) : kept_(kept) {
@@ -299,7 +299,7 @@ void nlohmannIngress(const Rows& rows, std::string* kept) {
                                                             {"droppedPackets", q.droppedPackets},
                                                             {"droppedBytes", q.droppedBytes}});
       }
-      // At the end, without the search among all that are there already, which would take longest.
+      // Appends without searching the existing members, which would take most of the time.
       interfaces.emplace_back(name, Json{{"trafficClasses", std::move(classes)}});
     });
     json["interfaces"] = std::move(interfaces);
@@ -344,7 +344,7 @@ void addRows() {
            {"{fmt} compiled", fmtEgress, ">= 4"},
            {"std::ostream", streamEgress, ">= 3.5"}});
   compete("ingress rows, JSON", tabula::formatJson, false, {{"RapidJSON", rapidJsonIngress, ">= 3.5"}});
-  // The tree's memory goes back to the system after each run, lest it slow the next one.
+  // Returns the tree's memory to the system after each run, so that it does not slow down the next one.
   compete("ingress rows, JSON, against a tree", tabula::formatJson, false,
           {{"nlohmann ordered_json", nlohmannIngress, ">= 20"}});
 }

@@ -31,7 +31,7 @@ std::string nameOf(std::size_t i) {
   return "Ethernet" + std::to_string(1 + i / 48) + "/" + std::to_string(1 + i % 48);
 }
 
-// Interfaces share system ports where a switch has more interfaces than there are ports.
+// Interfaces share system ports if there are more interfaces than ports.
 Hardware::Loam::SystemPhyPortId portOf(std::size_t i) {
   return Hardware::Loam::SystemPhyPortId(firstPort + i % ports);
 }
@@ -126,7 +126,7 @@ Answer command(const BusySwitch& on, const std::string& name, U32 format) {
 }
 
 Writes writesOf(const Answer& answer) {
-  // A socket of messages keeps apart what was written apart.
+  // A message socket preserves the boundaries of writes.
   int ends[2];
   constexpr int roomy = 1 << 20;
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) != 0) std::abort();

@@ -1,5 +1,7 @@
 #pragma once
 
+// Large switches, and commands on them.
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,8 +13,8 @@
 
 namespace loambench {
 
-/// A busy switch: four FAP cores on three FAPs, one of them in EGQ queue mode, and that many Ethernet
-/// interfaces. Up to eight cores on five FAPs.
+/// A busy switch with that many Ethernet interfaces: four FAP cores on three FAPs, one of them in EGQ queue
+/// mode, or up to eight cores on five FAPs.
 struct BusySwitch {
   explicit BusySwitch(std::size_t interfaces, std::size_t coreCount = 4);
 
@@ -24,13 +26,13 @@ struct BusySwitch {
 /// The same, with eight cores, as a state file.
 std::string busyStateFile(std::size_t interfaces, loamshow::JsonWriter::Layout layout);
 
-/// A call that writes its whole answer to a descriptor.
+/// A call that writes its complete output to a descriptor.
 using Answer = std::function<void(int fd)>;
 
-/// The command's answer on a switch, in format 1 or 2.
+/// A call of the command on a switch, in format 1 or 2.
 Answer command(const BusySwitch& on, const std::string& name, U32 format);
 
-/// An answer as its writes were.
+/// An output as a list of writes.
 using Writes = std::vector<std::string>;
 Writes writesOf(const Answer& answer);
 void writeAll(int fd, const Writes& writes);

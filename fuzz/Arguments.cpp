@@ -1,4 +1,5 @@
-// Interface arguments: names of a switch, a line each, then an empty line and the arguments, a line each.
+// Interface arguments. Input: names of a switch, one per line, an empty line, and the arguments, one per
+// line.
 
 #include "fuzz/Fuzz.h"
 

@@ -1,4 +1,4 @@
-// The format engine against the C library's: formats of every shape, with any width and value.
+// Compares the format engine with the C library: all kinds of formats, with any width and value.
 
 #include <cstdio>
 #include <tuple>
@@ -7,7 +7,7 @@
 
 namespace {
 
-/// `raw` is the value, and its width, as the C library takes them.
+/// `raw` are the value and its width as arguments for the C library.
 template <tabula::FixedString format, class... Raw, class... Value>
 void compare(const std::tuple<Raw...>& raw, const Value&... values) {
   char theirs[512];

@@ -1,5 +1,7 @@
 #pragma once
 
+// Shared code of the fuzz targets.
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -9,12 +11,12 @@
 #include "platform/Mote.h"
 #include "platform/tabula/Renderer.h"
 
-/// What libFuzzer calls, and Replay.cpp where there is no libFuzzer. Each target defines it.
+/// The entry point for libFuzzer, or for Replay.cpp without libFuzzer. Each target defines it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace loamfuzz {
 
-/// Deals out an input's bytes as values; behind its end, zeros and empty texts.
+/// Decodes fuzz input; after its end, zeros and empty texts.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
@@ -42,7 +44,7 @@ class Input {
   std::string_view rest_;
 };
 
-/// Collects what is printed.
+/// Collects output.
 class Collector : public tabula::Renderer {
  public:
   explicit Collector(U32 format) : Renderer(format) {}

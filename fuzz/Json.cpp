@@ -1,5 +1,5 @@
-// JSON of any structure and any names: what a printer renders is read back by the host's reader and by
-// another library, and the host's writer lays it out as that one does.
+// JSON of any structure and any names: the host's reader and another library must read the output of a
+// printer, and the host's writer must format it like that library.
 
 #include <nlohmann/json.hpp>
 
@@ -11,16 +11,16 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The text as the other library would write and read it.
+/// The text after writing and reading it with the other library.
 std::string received(const std::string& text) {
   return Json::parse(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace)).get<std::string>();
 }
 
-/// Fills the object that is open, a dictionary or another one, until the input ends it. Answers its like.
+/// Fills the open object, a dictionary or another one, until the input ends it. Returns the expected object.
 Json filled(loamfuzz::Input& input, tabula::Renderer& printer, bool isDict, int depth) {
   Json object = Json::object();
   for (bool goesOn = true; goesOn && !input.atEnd(); goesOn = !input.flag()) {
-    // A key is there once: with its number in front it is.
+    // The number makes the key unique.
     const std::string key = std::to_string(object.size()) + ":" + input.text(40);
     Json& member = object[received(key)];
     const U64 kind = isDict ? 4 : input.number(depth < 20 ? 4 : 2);

@@ -1,5 +1,4 @@
-// The natural order is one: no name before itself, no two before each other, and both being before and being
-// neither before nor behind carry over.
+// The natural order is a strict weak ordering: irreflexive, asymmetric, and transitive, as is equivalence.
 
 #include <array>
 
@@ -9,7 +8,8 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using LoamCounters::naturalCompare;
   loamfuzz::Input input(data, size);
-  // Few different characters: names that differ only late, and in all that the order knows about.
+  // Few different characters, so that names have long common prefixes and differ in all respects that the
+  // order considers.
   const auto name = [&] {
     constexpr std::string_view characters = "0019. aAbB\xc3-";
     std::string text;

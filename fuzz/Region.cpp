@@ -1,4 +1,5 @@
-// A counter region with damaged bytes is refused by name, or everything that it lists can be read.
+// A counter region with damaged bytes is either rejected with a message that names it, or all its records can
+// be read.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -71,7 +72,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string region = whole;
   region.resize(region.size() - (input.number(8) == 0 ? input.number(region.size()) : 0));
   while (!input.atEnd()) {
-    // Anywhere in it, another word or a small change of the one that was there.
+    // Replaces or slightly changes a word anywhere in the region.
     const std::size_t at = input.number(whole.size() / 8) * 8;
     U64 word = 0;
     if (at + sizeof word > region.size()) continue;

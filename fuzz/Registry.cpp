@@ -1,5 +1,5 @@
-// Requests of the generic attribute interface: any object, attribute number, op code and arguments. What does
-// not fit is a status or an exception.
+// Requests of the generic attribute interface: any object, attribute number, op code and arguments. Invalid
+// requests must return a status or throw.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,7 +19,7 @@ using Vane::Value;
 
 using Values = std::vector<Value>;
 
-/// A value of every type that crosses the interface.
+/// A value of every type that the interface passes.
 Values everyValue() {
   static const Vane::Optional<Mote::String> noText;
   return {true,
@@ -43,7 +43,8 @@ Values everyValue() {
           Brim::Counters::ShmemManager::PtrConst()};
 }
 
-/// Mostly arguments that fit, each the next value of its parameter's type from anywhere on; else any values.
+/// Mostly valid arguments, each the next value of its parameter's type from a random position on; otherwise
+/// any values.
 Values chosen(loamfuzz::Input& input, const Values& from, const Vane::Parameters& fitting) {
   Values values;
   if (input.number(8) == 0) {
@@ -78,7 +79,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   loamfuzz::require(silenced == STDOUT_FILENO);
   static const auto types = entities();
   loamfuzz::Input input(data, size);
-  Values values = everyValue();  // and then what requests answer
+  Values values = everyValue();  // later also results of requests
   std::vector<Mote::Ptr<Mote::Node>> objects;
   while (!input.atEnd()) {
     try {
@@ -98,7 +99,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       const auto status = Vane::genericIfAttributeOp(object, result, number, op, arguments,
                                                      values[input.number(values.size())]);
       loamfuzz::require(attribute != nullptr || status == Vane::OpStatus::unknownAttribute);
-      // A number might be taken for a format; an unknown one is a fatal assertion.
+      // Not numbers, which might be used as a format: an unknown format is a fatal assertion.
       if (!result.empty() && result.type() != "U32") values.push_back(result);
     } catch (const std::exception& error) {
       loamfuzz::require(*error.what() != '\0');

@@ -1,5 +1,5 @@
-// Runs a fuzz target without a fuzzer: on random bytes, on the files of a corpus, and on mutations of them,
-// the same ones each time. An input that fails is left in the file "failed-input".
+// Runs a fuzz target without a fuzzer, deterministically: on random bytes, on the files of a corpus, and on
+// mutations of them. An input that fails is kept in the file "failed-input".
 
 #include <filesystem>
 #include <fstream>
@@ -19,7 +19,7 @@ void run(const std::string& input) {
 
 std::string mutated(std::string input, std::mt19937& random) {
   for (U64 edits = 1 + random() % 4; edits > 0; --edits) {
-    // Takes some bytes away, puts one in their place, or inserts it.
+    // Replaces some bytes by one, or inserts one.
     input.replace(random() % (input.size() + 1), random() % 16, random() % 2, static_cast<char>(random()));
   }
   return input;

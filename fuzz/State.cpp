@@ -1,5 +1,5 @@
-// A state file: refused with a message that names it, or a switch that can be checked, and of which every
-// command can be asked. After a zero byte there may be an earlier state, from which the counts then count.
+// A state file: either rejected with a message that names it, or a switch on which check and all commands can
+// run. A zero byte separates an optional earlier state, from which counts are then shown.
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr off_t mostOutput = 1 << 20;
 
-/// A file that no answer can outgrow: a counter may have 2^32 instances.
+/// A file of limited size, because a counter may have 2^32 instances.
 int limitedFile() {
   const int fd = ::memfd_create("fuzz", MFD_ALLOW_SEALING);
   loamfuzz::require(::ftruncate(fd, mostOutput) == 0 && ::fcntl(fd, F_ADD_SEALS, F_SEAL_GROW) == 0);

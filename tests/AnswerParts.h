@@ -1,6 +1,6 @@
 #pragma once
 
-// The parts of expected answers, laid out as printf would.
+// Parts of expected outputs, formatted as printf would.
 
 #include <string>
 #include <vector>
@@ -12,19 +12,19 @@ namespace loamtest {
 using Labels = std::vector<std::string>;
 using Quads = std::vector<Json>;
 
-/// The four counts in columns of that width, to the end of the line.
+/// The four counts in columns of that width, and the line end.
 std::string columns(int width, const Json& quad);
-/// The head of an ingress block by interface and traffic class.
+/// The heading of an ingress table by interface and traffic class.
 std::string ingressHead(const std::string& title);
 /// One interface's ingress rows, with a queue column of that width, and their collection in JSON.
 std::string ingressRows(const std::string& name, const Labels& labels, const Quads& quads,
                         int queueWidth = 7);
 Json ingressJson(const Labels& labels, const Quads& quads, const char* collection = "trafficClasses");
-/// The heads of the egress queues, the CPU's egress queues, and the other commands.
+/// The headings of the egress queues, the CPU's egress queues, and the other commands.
 std::string egressHead();
 std::string cpuEgressHead();
 std::string dropsHead();
-/// The head of a table of CoPP classes, and the second lines that it may have.
+/// The heading of a table of CoPP classes, and its possible second lines.
 std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues);
 inline constexpr const char* queueTitle =
     "This indicates the sum of port-dependent queue counters across all input ports.\n";
@@ -44,13 +44,13 @@ Quads ingressQuads(U64 intf, U64 source, U64 count = 8);
 Quads ingressSums(U64 intf, U64 count = 8);
 Quads egressQuads(EgressRecord record, U64 intf, DestType destType, const std::vector<U64>& tcs);
 
-/// Adds an interface's rows to the text of an answer, and its object to the JSON, under its long name.
+/// Adds an interface's rows to an expected text, and its object to the expected JSON, under its long name.
 void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
                 const Quads& quads);
 void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
                const Quads& ucast, const Quads& mcast);
 
-/// The interfaces of a text answer's rows, from its first column, each once for every run of rows.
+/// The interfaces in the first column of a text's rows, once per run of rows.
 std::vector<std::string> rowNames(const std::string& text);
 
 }  // namespace loamtest

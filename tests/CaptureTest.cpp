@@ -17,7 +17,7 @@ std::string captured(const std::string& text,
   return written;
 }
 
-// Every member, most of them twice: not in order, with members at their defaults and totals that are sums.
+// Every member, most of them twice: out of order, with members at their defaults and totals that are sums.
 constexpr const char* disorderly = R"({
   "debug": {
     "faps": {

@@ -8,7 +8,7 @@ namespace loamtest {
 
 namespace {
 
-/// The small switch, without what is wrong with it, and with debug counters of one FAP.
+/// The small switch without its findings, and with debug counters of one FAP.
 Json cleanSwitch() {
   Json state = smallSwitch();
   state["interfaces"].erase(4);

@@ -1,4 +1,4 @@
-// The words of the command line: the real program's messages, help and completion.
+// The command line: messages, help and completion of the real program.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -89,7 +89,7 @@ TEST(CommandLine, CompletesWhatIsBeingTyped) {
   const std::string state = "--state=" + file.path();
   for (const auto& [words, lines] : std::map<std::vector<std::string>, const char*>{
            {{"complete", "m"}, "mtu\tEgress MTU counters per FAP\n"},
-           {{"complete", state, "acl", "ET2"}, "Et2/9\n"},  // as long names go before short ones
+           {{"complete", state, "acl", "ET2"}, "Et2/9\n"},  // long names precede short ones
            {{"complete", state, "acl", "et1"}, "Et1/1\n"},
            {{"complete", "acl", "--bogus", "-s", file.path(), "Po1,Ethernet2/"}, "Po1,Ethernet2/1.7\n"},
            {{"complete", state, "mtu", ""}, ""},
@@ -194,7 +194,7 @@ TEST(CommandLine, FindsTheSwitch) {
 }
 
 TEST(CommandLine, NeedsNoFileToAnswerIntoAPipe) {
-  rlimit limit{};  // on the size of files, which programs inherit
+  rlimit limit{};  // limits the size of files, also for child processes
   ::getrlimit(RLIMIT_FSIZE, &limit);
   const rlim_t before = limit.rlim_cur;
   std::istringstream commands(run({"complete", ""}).out);

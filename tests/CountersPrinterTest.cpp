@@ -1,5 +1,4 @@
-// The operations of CountersPrinter on state objects that are missing, that change, or that break their
-// promises.
+// The operations of CountersPrinter on state objects that are missing, change, or violate their contract.
 
 #include <gmock/gmock.h>
 
@@ -23,11 +22,11 @@ using namespace LoamCounters;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Counter tables of zeros that do something at each read.
+/// Counter tables of zeros that call a function at each read.
 class Tables : public CounterTables {
  public:
   std::function<void()> atRead = [] {};
-  U64 dropped = 1;  // packets by each interface
+  U64 dropped = 1;  // packets of each interface
   Keel::MaybeU63 mtuTotal;
 
   IngressTcCounter ingressTcCounter(FapId, LocalCoreId, Nexo::IntfId) const override {
@@ -58,7 +57,7 @@ class Tables : public CounterTables {
   }
 };
 
-/// A printer on the small switch, its counters from the tables.
+/// A printer on the small switch, with the counters of the tables.
 struct Fixture {
   loamshow::SwitchState state = loamshow::parseState("state", smallSwitch().dump());
   Mote::Ptr<Tables> tables = Mote::make<Tables>();
@@ -86,7 +85,7 @@ void call(const CountersPrinter::Ptr& printer, const std::string& operation, U32
   if (operation == "mtu") printer->showInterfacesEgressMtuCounters(fd, fmt);
 }
 
-/// What an operation writes.
+/// The output of an operation.
 std::string called(const CountersPrinter::Ptr& printer, const std::string& operation, U32 fmt,
                    const IntfList::PtrConst& intfs) {
   const MemoryFile file;
@@ -99,7 +98,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
   const auto cpuHeads = [](const char* title) {
     return classHead(title, "", true) + "\n" + classHead(title, perChipTitle, false) + "\n";
   };
-  // Text and JSON; where a status makes a difference, those with one, too.
+  // Text and JSON; then those with a status, if that makes a difference.
   const std::map<std::string, std::vector<std::string>> empty = {
       {"queues",
        {ingressHead("Aggregate VoQ Counters") + "\n" + egressHead() + "\n",
@@ -130,7 +129,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
   const auto withoutStatus = fixture.printer(false);
   for (const auto& [operation, answers] : empty) {
     for (const auto& of : {printer, withoutStatus}) {
-      if (of == withoutStatus && operation == "acl") continue;  // it reads no status
+      if (of == withoutStatus && operation == "acl") continue;  // acl reads no status
       const std::size_t first = of == printer ? answers.size() - 2 : 0;
       EXPECT_EQ(called(of, operation, tabula::formatText, fixture.intfs), answers[first]);
       EXPECT_EQ(called(of, operation, tabula::formatJson, fixture.intfs), answers[first + 1] + "\n");
@@ -146,7 +145,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {
   using Status = Hardware::Loam::Status;
-  // The names under which an operation shows its sources, when the status changes at a read.
+  // The names of the sources that an operation shows if the status changes at a read.
   const auto sources = [](const char* operation, const char* path, const std::function<void(Status&)>& change,
                           int atRead = 2, const std::vector<const char*>& shown = {"Ethernet3"}) {
     const Fixture fixture;
@@ -162,7 +161,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
     for (const auto& source : json[Json::json_pointer(path)].items()) names.push_back(source.key());
     return names;
   };
-  // The FAP that is being shown goes, and others come below and above it.
+  // The FAP that is being shown is removed, and others are added below and above it.
   const auto replace = [](Status& status) {
     status.fapIdToName.remove(FapId(3));
     for (const auto& [id, name] : {std::pair{1U, "Below"}, std::pair{5U, "Above"}}) {
@@ -170,7 +169,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
       status.fapIdToName.set(FapId(id), name);
     }
   };
-  // Both collections at once, after as many changes as those before them.
+  // Assigns both collections, after the same number of changes as in the old ones.
   const auto assign = [](Status& status) {
     decltype(status.fapIdToName) names;
     decltype(status.fapNumCores) cores;
@@ -192,10 +191,10 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
       << "read 2 is already that of B";
   EXPECT_THAT(sources("mtu", "/destinations", assign, 1), ElementsAre("A", "Above"));
   EXPECT_THAT(sources("mtu", "/destinations", replace, 1), ElementsAre("A", "Above", "B"));
-  // Of the drops command, read 2 is that of the egress record, and the walk comes after it.
+  // In the drops command, read 2 is that of the egress record, which precedes the walk.
   const char* const voqs = "/interfaces/Ethernet3/trafficClasses/TC0/ingressVoqCounters/sources";
   EXPECT_THAT(sources("drops", voqs, replace), ElementsAre("Below", "Above", "B"));
-  // Ethernet1.5 is shown when the number of VOQs changes, with those that it had.
+  // The number of VOQs changes while Ethernet1.5 is shown, which keeps the old number.
   const auto classes = [&](const std::string& intf) {
     return sources("drops", ("/interfaces/" + intf + "/trafficClasses").c_str(),
                    [](Status& status) { status.subIntfNumVoqs = 2; }, 3, {"Ethernet1.5", "Ethernet1"});
@@ -204,7 +203,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
   EXPECT_THAT(classes("Ethernet1.7"), ElementsAre("TC0-3", "TC4-7")) << "to which port 64 belongs";
 }
 
-// A caller may let go of everything while an operation runs.
+// A caller may release everything while an operation runs.
 TEST(CountersPrinter, HoldsWhatItReads) {
   for (const std::string operation : {"queues", "ingress", "cpu", "drops", "acl", "mtu"}) {
     SCOPED_TRACE(operation);
@@ -248,7 +247,7 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
       expectEveryFaultHandled({operation + " " + std::to_string(fmt), flushes + rest[fmt - 1],
                                [&](U32 fd) { call(printer, operation, fd, fmt, intfs); }, raised,
                                [&] { EXPECT_EQ(users(), usersBefore) << "released before it is said"; }});
-      // And between two writes.
+      // Also between two writes.
       fixture.tables->atRead = [] { tabula::interrupt(); };
       testing::internal::CaptureStdout();
       called(printer, operation, fmt, intfs);
@@ -258,8 +257,8 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
   };
   fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("C"));
   // A flush per interface and fabric multicast VOQ, egress row, CoPP class, traffic class with drops, ACL
-  // interface, FAP; then what is left: in text an empty line or nothing, in JSON the end of the model.
-  constexpr std::size_t egressRows = 16 + 16 + 24 + 24;  // with LAG rows where there is no FAP
+  // interface, FAP; then the rest: in text an empty line or nothing, in JSON the end of the model.
+  constexpr std::size_t egressRows = 16 + 16 + 24 + 24;  // with LAG rows for interfaces without a FAP
   tryAll("queues", 4 + 8 + egressRows, {1, 1});
   tryAll("ingress", std::size_t{3} * (3 + 8), {1, 1});
   tryAll("cpu", 1 + 2, {0, 1});
@@ -288,7 +287,7 @@ TEST(CountersPrinter, NoticesAnInterruptWhereItShowsNothing) {
   EXPECT_EQ(reads, 4) << "an ingress and an egress record of each interface";
 }
 
-// Also where a step leads to nothing: no port here has an interface, and no interface a port.
+// Also in steps without a result: here no port has an interface, and no interface a port.
 TEST(IntfSelection, NoticesAnInterruptAtEveryStep) {
   using Hardware::Loam::Status;
   const Hardware::Loam::SystemPhyPortId port(64);
@@ -319,7 +318,8 @@ TEST(Threads, ShareOnePrinter) {
   const Fixture fixture;
   fixture.state.status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(2), Nexo::IntfId("CpuTm0"));
   const auto printer = fixture.printer();
-  // The CPU command comes first, in all threads at once: it fills what the process then keeps.
+  // The CPU command runs first, in all threads at the same time: it fills the class sets, which the process
+  // keeps.
   const auto answers = [&] {
     std::string all;
     for (const char* operation : {"cpu", "queues", "ingress", "drops", "acl", "mtu"}) {

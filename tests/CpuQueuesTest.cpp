@@ -7,8 +7,9 @@ namespace loamtest {
 
 namespace {
 
-/// Classes on ports 24, 56 and 2 (queues) and 12, 22 (policers), counted on both cores of FAP A, and CPU
-/// ports 2, 4 and 6: on FAP A, on FAP B, and without a FAP. Interface names are not in port order.
+/// Classes on ports 24, 56 and 2 (queues) and 12, 22 (policers), with counters on both cores of FAP A, and
+/// CPU ports 2, 4 and 6: on FAP A, on FAP B, and without a FAP. Interface names are not in the order of
+/// ports.
 Json cpuSwitch() {
   Json state = smallSwitch();
   Json& status = state["status"];
@@ -167,18 +168,19 @@ TEST(CpuQueues, LabelsVoqsByInputPort) {
     for (const auto& port : json[source]["cpuClasses"]["Alpha"]["ports"].items()) names += port.key() + " ";
     return names;
   };
-  // A core's ports count from 64 times its number, core 5's from 0, and the label of an unmapped one from 0.
+  // The ports of a core start at 64 times its number, those of core 5 at 0. Labels of unmapped ports count
+  // from 0.
   EXPECT_EQ(labels(cpuSwitch(), "A.0"), "Et1 Port1 ");
   EXPECT_EQ(labels(cpuSwitch(), "A.1"), "Port0 Et2 ");
   EXPECT_EQ(labels(cpuSwitch(), "B"), "Port0 Port1 ");
   Json state = cpuSwitch();
   state["status"]["fapNumCores"] = {{"3", 6}};
-  state["status"]["coppClassNumVoqs"] = 1;  // port 256 of core 4 is the last that there can be
+  state["status"]["coppClassNumVoqs"] = 1;  // needs port 256 for core 4, the highest port
   state["status"]["portMapToIntfId"] = {
       {{"fapPortId", 0}, {"fapId", 3}, {"coreId", 5}, {"intfId", "Ethernet7"}}};
   EXPECT_EQ(labels(state, "A.4"), "Port0 ");
   EXPECT_EQ(labels(state, "A.5"), "Et7 ");
-  state["status"]["coppClassNumVoqs"] = 2;  // but port 257 is none
+  state["status"]["coppClassNumVoqs"] = 2;  // needs port 257, which is invalid
   EXPECT_THROW(answer(state, {"cpu", "--per-port"}), Vane::RangeException);
 }
 

@@ -22,7 +22,7 @@ namespace {
 using namespace LoamCounters;
 using namespace Brim::Counters;
 
-// 1970-01-01 00:00:00 UTC at the switch's clock is -100.
+// 1970-01-01 00:00:00 UTC is -100 on the switch's clock.
 Json debugSwitch() {
   return Json::parse(R"({"debug": {"switchTimeOffset": 100, "faps": {
     "Fap10": {"directory": null, "snapshots": {}},
@@ -87,7 +87,7 @@ TEST(DebugReport, ShowsFapsBlocksAndCountersInNaturalOrder) {
   EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "b10"}), title("fap2") + blockB10 + lastFap);
   EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "B10", "--snapshot", "old"}),
             title("fap2") + "[B10]\n" + counterLine(' ', "Plain", "1", "never", "never") + lastFap);
-  // The key of block Upper is not in lower case: nothing finds it.
+  // The key of block Upper is not in lower case, so it cannot be found.
   EXPECT_EQ(answer(debugSwitch(), {"debug", "--block", "Upper"}), title("fap2") + lastFap);
   loamshow::CommandLine inJson = parsed({"debug"});
   inJson.format = tabula::formatJson;
@@ -117,7 +117,7 @@ TEST(DebugReport, StopsAtWhatItCannotShow) {
   EXPECT_THAT(show, ThrowsMessage<Vane::InternalException>("unsupported display type"));
 }
 
-/// A manager that does something to its surroundings at its nth read.
+/// A manager that calls a function at its nth read.
 class Meddler : public MemoryShmemManager {
  public:
   Meddler(int at, std::function<void()> meddle) : at_(at), meddle_(std::move(meddle)) {}
@@ -136,8 +136,8 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   const auto line1 = counterLine(' ', "c1", "0", "never", "never");
   const auto line2 = counterLine(' ', "c2", "0", "never", "never");
   const auto block = [&](int i) { return "[B" + std::to_string(i) + "]\n" + line1 + line2; };
-  // What is shown of a FAP of that many blocks, with two counters each, when its directory changes at a read,
-  // and after that.
+  // The report of a FAP with that many blocks of two counters, if its directory changes at a read, and the
+  // report after that.
   const auto shown = [&](int blocks, int atRead,
                          const std::function<void(CounterDescriptorDir&, FapDescriptor&)>& change) {
     Json directory{{"valid", true}, {"readiness", 1}};
@@ -161,7 +161,7 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   const std::string cut = title("F") + block(1) + block(2) + invalid + title("F") + invalid;
   EXPECT_EQ(shown(5, 4, [](auto& directory, auto&) { directory.readinessIs(0); }), cut);
   EXPECT_EQ(shown(5, 4, [](auto& directory, auto&) { directory.validIs(false); }), cut);
-  // A report stays with the directory that it took.
+  // A report continues with its first directory.
   const std::string kept = title("F") + block(1) + block(2);
   EXPECT_EQ(shown(2, 1, [](auto&, auto& fap) { fap.counterDescriptorDir = nullptr; }),
             kept + title("F") + invalid);
@@ -181,7 +181,7 @@ TEST(DebugReport, FollowsADirectoryThatChanges) {
   EXPECT_EQ(shown(2, 3, removeC2), shortened + shortened);
 }
 
-// A caller may let go of everything while an operation runs, and take a FAP out.
+// A caller may release everything while an operation runs, and remove a FAP.
 TEST(DebugReport, HoldsWhatItReads) {
   const auto printer = debugCountersPrinterFactory();
   auto fapDescriptors = fapDescriptorMappingFactory();
@@ -234,7 +234,7 @@ TEST(DebugReport, HoldsWhatItReads) {
 TEST(DebugReport, CarriesOnOrEndsCleanlyAtEveryFault) {
   const loamshow::CommandLine line = parsed({"debug"});
   const loamshow::SwitchState state = loamshow::parseState("state", debugSwitch().dump());
-  // A flush per block; the rest is the head of a FAP without any.
+  // A flush per block; the rest is the heading of a FAP without blocks.
   expectEveryFaultHandled({"debug", 3, [&](U32 fd) { loamshow::runShowCommand(line, state, fd); }});
 }
 
@@ -244,7 +244,7 @@ TEST(DebugReport, AnInterruptEndsAWalkThatShowsNothing) {
       {"endless", {{"c", {{"numInstances", 4294967295}, {"isDropCounter", false}}}}}};
   const loamshow::SwitchState state = loamshow::parseState("state", json.dump());
   const MemoryFile file;
-  // After 50 ms of this process's own time, which a busy machine does not stretch.
+  // After 50 ms of this process's CPU time, which does not depend on the load of the machine.
   std::signal(SIGVTALRM, [](int) { tabula::interrupt(); });
   const itimerval once{{}, {0, 50'000}};
   ::setitimer(ITIMER_VIRTUAL, &once, nullptr);

@@ -13,7 +13,8 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The small switch with these counters, in which "$" stands for a value; none at all for an empty value.
+/// The small switch with these counters, in which "$" is replaced by a value; without counters if the value
+/// is empty.
 Json withCounters(std::string counters, const std::string& value) {
   Json state = smallSwitch();
   state["status"]["sppidToIntfId"]["12"] = "Policer";
@@ -102,7 +103,7 @@ TEST(Since, ASumIsTheSumOfTheDifferences) {
     }
     return state;
   };
-  // The first source has gone on counting, the second was cleared, the third lost its record.
+  // The first source has continued counting, the second was cleared, the third has lost its record.
   Json then = stateOf("[100, 0, 10, 0]", "[5000, 0, 500, 0]", "[7, 0, 7, 0]");
   then["counters"]["ingress"].erase(2);
   const Json now = stateOf("[107, 0, 11, 0]", "[20, 0, 2, 0]", "[300, 0, 0, 0]");

@@ -20,7 +20,7 @@ std::string titles(const std::string& name, const std::string& label) {
   return line("%-15s %7s %17s %17s %17s %17s\n", name.c_str(), label.c_str(), "", "", "", "");
 }
 
-/// A part of a traffic class in both formats.
+/// Rows of a traffic class in both formats.
 struct Part {
   std::string text;
   Json json = Json::object();
@@ -139,7 +139,7 @@ TEST(EgressRows, AreTheirArgumentsWhateverTheirPlace) {
   LoamCounters::printEgressCounters(printer, 1, Nexo::IntfId("Ethernet1"), 3, 7, "TC3", 4, "DP", 1, false,
                                     counts, attrs);
   printer.addFrills<"%s\n">(attrs.intfAttr.getArg());
-  // The labels are those of the format asked for, not of the Printer's.
+  // The labels depend on the format argument, not on the Printer.
   LoamCounters::EgressTmCounter record;
   record.quadIs(LoamCounters::EgressTmCounterIndex(60), counts);
   LoamCounters::printIntfTcEgrCounters(printer, tabula::formatJson, 7, record, attrs);
@@ -148,7 +148,7 @@ TEST(EgressRows, AreTheirArgumentsWhateverTheirPlace) {
   }
   const auto accessor =
       Mote::make<LoamCounters::CounterEngineAccessor>(nullptr, nullptr, nullptr, nullptr, nullptr, false);
-  constexpr U32 far = 0x40000000;  // its counts would be the first in 32 bits
+  constexpr U32 far = 0x40000000;  // in 32-bit arithmetic, its counts would be the first ones
   EXPECT_THROW(LoamCounters::printEgressCountersPerIntfHelper(Nexo::IntfId("Port-Channel1"), printer, 1,
                                                               accessor, attrs, far, far, true, false),
                Vane::RangeException);

@@ -14,13 +14,13 @@ namespace loamtest {
 
 namespace {
 
-/// What becomes of a write.
+/// The behaviour of a write.
 struct Fault {
   const char* name;
-  int error;         // that it fails with; 0: it succeeds
-  std::size_t most;  // bytes that it takes
-  bool interrupts;   // the user's interrupt comes while it runs
-  bool isFinal;      // for the answer
+  int error;         // errno of a failure; 0: it succeeds
+  std::size_t most;  // number of bytes accepted
+  bool interrupts;   // an interrupt arrives during the write
+  bool isFinal;      // ends the output
 };
 
 constexpr std::size_t all = ~std::size_t{0};
@@ -36,7 +36,7 @@ constexpr Fault faults[] = {
     {"interrupt after", 0, all, true, true},
 };
 
-/// One run: its writes, and what came of them.
+/// One run: its writes and their results.
 struct Run {
   const Command* command;
   const Fault* fault;
@@ -94,13 +94,13 @@ void expectEveryFaultHandled(const Command& command) {
 
 }  // namespace loamtest
 
-// Stands in front of the C library's, for the platform library too.
+// Replaces the C library's write, also for the platform library.
 extern "C" ssize_t write(int fd, const void* data, size_t size) {
   loamtest::Run* const run = loamtest::running;
   if (run != nullptr && fd == STDOUT_FILENO) {
     run->said.append(static_cast<const char*>(data), size);
     run->command->whenSaid();
-    tabula::interrupt();  // the user is impatient: this one is nobody else's
+    tabula::interrupt();  // a second interrupt, which must not affect the next operation
     return static_cast<ssize_t>(size);
   }
   if (run != nullptr && fd == run->fd) {

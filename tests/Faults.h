@@ -1,5 +1,7 @@
 #pragma once
 
+// Fault injection into writes.
+
 #include <functional>
 #include <string>
 
@@ -7,8 +9,8 @@
 
 namespace loamtest {
 
-/// A command that answers in so many writes. One that raises by itself, with the text `raised`, does its last
-/// write while it does so. `whenSaid` is called when it says on standard output that it is exiting.
+/// A command with a known number of writes. If it throws, with the text `thrown`, the last write happens
+/// during that. `whenSaid` is called when it writes the "exiting" line to standard output.
 struct Command {
   std::string name;
   std::size_t writes;
@@ -17,8 +19,8 @@ struct Command {
   std::function<void()> whenSaid = [] {};
 };
 
-/// Runs the command many times, each time with another of its writes going wrong in another way, and checks
-/// what was written, what was raised and what was said.
+/// Runs the command many times, each time with another fault in another write, and checks the output, the
+/// exception and standard output.
 void expectEveryFaultHandled(const Command& command);
 
 }  // namespace loamtest

@@ -16,7 +16,7 @@ namespace {
 
 using loamshow::InputError;
 
-/// The text of the error that a state file raises; empty when it raises none.
+/// The error message for a state file; empty if it is valid.
 std::string stateError(const std::string& text) {
   try {
     loamshow::parseState("s.json", text);
@@ -26,7 +26,7 @@ std::string stateError(const std::string& text) {
   return "";
 }
 
-/// A state with a value in one place.
+/// A state with one member.
 Json stateWith(const std::string& path, Json value) {
   for (Json::json_pointer at(path); !at.empty(); at.pop_back()) {
     value = at.back() == "0" ? Json::array({value}) : Json{{at.back(), value}};
@@ -35,8 +35,8 @@ Json stateWith(const std::string& path, Json value) {
 }
 
 TEST(StateFile, NamesFileAndMemberOfEveryError) {
-  // A value where it does not belong: each message once. That every member has its range and every object its
-  // members is what the test of the schema holds.
+  // Invalid values: each message once. The schema test checks the range of every member, and the members of
+  // every object.
   const std::tuple<const char*, std::string, const char*> misplaced[] = {
       {"/status/fapNumCores/1", R"("two")", "expected a number"},
       {"/status/fapNumCores/1", "1.5", "expected an integer from 0 to 65535"},
@@ -135,7 +135,7 @@ TEST(StateFile, SurvivesNonsense) {
   EXPECT_THAT(stateError("{\"interfaces\": [\"" + std::string(1'000'000, 'x')), isSyntaxError);
   const std::string deep = "{\"interfaces\": " + std::string(100'000, '[') + std::string(100'000, ']') + "}";
   EXPECT_EQ(stateError(deep), "s.json: /interfaces/0: expected a string");
-  // The first error is the one reported, also where what follows is no JSON.
+  // The first error is reported, even if the rest is not JSON.
   EXPECT_EQ(stateError("{\"a\": " + std::string(100'000, '[')), "s.json: /a: unknown member");
 }
 

@@ -1,4 +1,4 @@
-// The host's JSON reader and writer, by themselves.
+// The host's JSON reader and writer.
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ using namespace loamshow;
 
 using Layout = JsonWriter::Layout;
 
-/// Reads a document whose members are "port", "ports", "real" and "nested"; an object like it nested.
+/// Reads an object with the members "port", "ports", "real" and "nested", which is such an object itself.
 std::string readMember(JsonValue object) {
   std::string read;
   for (JsonMembers in(object); in.next();) {
@@ -74,7 +74,7 @@ TEST(JsonReader, ReadsForwardsAndExplainsItsErrors) {
       {R"({"port": 1, "nested": [{"port": 2, "port": 3}]})", "x: /nested/0/port: repeated member"},
       {R"({"nested": [{"Prot": [{}]}]})", "x: /nested/0/Prot: unknown member; did you mean port?"},
       {R"({"a~/b": 1})", "x: /a~0~1b: unknown member"},
-      // What is no object, or no JSON.
+      // Documents that are not an object, or not JSON.
       {"", "x: the file is empty"},
       {" 17 ", "x: expected an object"},
       {"[1]", "x: expected an object"},
@@ -97,7 +97,7 @@ TEST(JsonReader, ReadsForwardsAndExplainsItsErrors) {
   for (const auto& [text, read] : cases) EXPECT_EQ(readDocument(text), read) << text;
 }
 
-// What it writes of names, texts and objects is held against another library's in its fuzz target.
+// The fuzz target compares names, texts and objects with another library.
 TEST(JsonWriter, WritesArraysAndEveryScalar) {
   const auto writtenTo = [](JsonWriter& out) {
     out.beginArray();

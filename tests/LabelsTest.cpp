@@ -8,7 +8,7 @@ namespace LoamCounters {
 
 namespace {
 
-// What the commands' own answers do not show.
+// Cases that the tests of the commands do not cover.
 TEST(Labels, OfOtherQueuesAndOfNone) {
   EXPECT_THAT(queueNamesByQueuesPerPort(2, 8), testing::ElementsAre("TC0-3", "TC4-7"));
   EXPECT_EQ(trafficClassLabel(2, 3, 8, false), "TC4-5");

@@ -51,7 +51,7 @@ struct Live {
   std::optional<Program> sim;
 };
 
-/// An answer without the times at which counters were read.
+/// An output without the times at which counters were read.
 std::string withoutTime(const std::string& out) {
   return std::regex_replace(out, std::regex("20[0-9-]+T[0-9:.]+Z"), "TIME");
 }
@@ -80,7 +80,7 @@ TEST(Live, EveryAnswerOfASwitchThatStandsStillIsThatOfItsState) {
       Ran fromState = run(arguments);
       EXPECT_EQ(fromRegion.status, fromState.status) << words.front();
       EXPECT_EQ(fromRegion.err, fromState.err);
-      // The time is that of the reading.
+      // takenAt is the time of reading.
       EXPECT_EQ(withoutTime(fromRegion.out), withoutTime(fromState.out)) << words.front() << ' ' << format;
     }
   }
@@ -148,7 +148,7 @@ TEST(Live, CountsInProportionAndTotalsFollow) {
     for (const Json& queue : entry["queues"]) {
       EXPECT_EQ(queue[1].get<U64>(), queue[0].get<U64>() * 64);
       EXPECT_EQ(queue[3].get<U64>(), queue[2].get<U64>() * 64);
-      // A tenth of a second at this speed is the count of the state.
+      // At this speed, the counts double in 0.1 s.
       EXPECT_GT(queue[0].get<U64>(), 200'000'000U);
       packets.insert(queue[0].get<U64>());
     }

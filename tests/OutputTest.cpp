@@ -19,7 +19,7 @@ namespace {
 constexpr U32 text = tabula::formatText;
 constexpr U32 json = tabula::formatJson;
 
-/// What the calls write.
+/// The output of the calls.
 template <class Calls>
 std::string printed(U32 format, Calls calls) {
   const MemoryFile file;
@@ -63,7 +63,7 @@ TEST(Printer, KeysEntriesByNumbers) {
       expected += line(R"(%s"%u":{"count":%u,"name":"n","row":%u})", i == 0 ? "" : ",", i, 7 * i, i);
     }
     printer.endDict();
-    for (U32 i = 0; i < 20'000; ++i) {  // nothing but numbers
+    for (U32 i = 0; i < 20'000; ++i) {  // numbers only
       printer.template addArgs<"%llu">(count.getArg());
     }
     printer.end();
@@ -73,7 +73,7 @@ TEST(Printer, KeysEntriesByNumbers) {
   EXPECT_EQ(got, R"({"rows":{)" + expected + "}" + numbers + "}\n");
 }
 
-// Cut into digits by the processor's wide registers where it has some, and by those that all have.
+// Both implementations: with wide registers, if the processor has them, and without.
 TEST(Digits, AreThoseOfTheNumber) {
   std::mt19937_64 random(1);
   const auto expectDigits = [](U64 number) {
@@ -90,7 +90,7 @@ TEST(Digits, AreThoseOfTheNumber) {
   for (U64 fours = 0; fours < 10'000; ++fours) {
     expectDigits(fours * 1'0000'0000'0000 + fours * 1'0000'0000 + (9999 - fours) * 1'0000 + fours);
   }
-  for (const U64 power : tabula::detail::powersOfTen) {  // every number of digits
+  for (const U64 power : tabula::detail::powersOfTen) {  // all lengths
     for (const U64 number : {power - 1, power, power / 9 * 8 + 1}) {
       std::array<char, tabula::mostDigits + tabula::writeSlack> digits{};
       EXPECT_EQ(std::string(digits.data(), tabula::writeNumber(digits.data(), number)),
@@ -108,7 +108,7 @@ TEST(Printer, EscapesNamesAndValuesInJson) {
       // The first and the last characters of two, three and four bytes.
       {"\u0080\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff",
        "\u0080\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff"},
-      // Broken: alone, overlong, surrogate, above the last, cut off.
+      // Invalid: continuation byte, overlong, surrogate, above U+10FFFF, truncated.
       {"\x80|\xc0\xaf|\xed\xa0\x80|\xf4\x90\x80\x80|\xe2\x82", "�|��|���|����|�"}};
   for (std::size_t size = 1; size <= 17; ++size) {
     for (std::size_t at = 0; at < size; ++at) {
@@ -165,7 +165,7 @@ TEST(Printer, WritesEachDescriptorInConversionsOfItsTypeOnly) {
   using Name = decltype(std::declval<tabula::StringAttrInfo>().getArg());
   static_assert(AddsArg<"%u", Word> && !AddsArg<"%s", Word> && !AddsArg<"%d", Word>);
   static_assert(AddsArg<"%s", Name> && !AddsArg<"%u", Name>);
-  // Of a bare argument only the run time tells what it holds.
+  // The kind of an Arg is known at run time only.
   static_assert(!AddsArg<"%s", tabula::Arg> && !AddsArg<"%u", tabula::Arg>);
   static_assert(!AddsArg<"%u", bool> && !AddsArg<"%u %u", U32> && !AddsArg<"", U32>);
 }
@@ -207,14 +207,14 @@ TEST(Printer, RefusesBrokenNesting) {
   }
 }
 
-/// What work says on standard output.
+/// What `work` writes to standard output.
 std::string said(const std::function<void()>& work) {
   testing::internal::CaptureStdout();
   work();
   return testing::internal::GetCapturedStdout();
 }
 
-/// Writes a line through a Printer that nobody closes, while an interrupt comes or not.
+/// Writes a line through a Printer without closing it, with or without an interrupt.
 void printUnclosed(int fd, bool interrupted) {
   tabula::Printer printer(fd, text, true, false, true, 0);
   printer.addFrills<"never closed\n">();
@@ -251,7 +251,7 @@ TEST(Interrupts, SignalsChangeNothingOnceTheHostIsDone) {
 
 TEST(Interrupts, EndTheOperationThatTheyComeTo) {
   const auto print = [] { printed(text, [](auto& printer) { printer.template addFrills<"row\n">(); }); };
-  /// Interrupts again while the operation releases what it holds.
+  /// Interrupts again while the operation releases its resources.
   struct Again {
     ~Again() { tabula::interrupt(); }
   };

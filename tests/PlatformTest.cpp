@@ -93,7 +93,7 @@ TEST(Vane, IdentifiersNameThemselvesInTheirErrors) {
 }
 
 TEST(Vane, DenseMapsHoldWhatMapsHold) {
-  // Few different hashes, so that searches run into each other.
+  // Few different hashes, to cause collisions.
   struct Clash {
     std::size_t operator()(int key) const { return static_cast<std::size_t>(key % 7); }
   };
@@ -135,7 +135,7 @@ TEST(Vane, AWalkGoesOnAboveItsEntryWhateverChanges) {
       {"the entry above it", [](Ports& all) { all.remove(3); }, {101, 102}},
       {"all entries", [](Ports& all) { all.clear(); }, {101, 102}},
       {"itself replaced", [](Ports& all) { all.set(2, Port(9)); }, {101, 102, 103}},
-      // Of as many changes as the collection that it replaces.
+      // From a collection with the same number of changes.
       {"an assignment",
        [&](Ports& all) {
          all = ports({1, 4, 5});

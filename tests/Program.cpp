@@ -25,7 +25,7 @@ Program::Program(const std::vector<std::string>& arguments, int out, int err, co
   argv.push_back(nullptr);
   pid_ = ::fork();
   if (pid_ != 0) return;
-  ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is ended
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is killed
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
   if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
   ::dup2(err, STDERR_FILENO);

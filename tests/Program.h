@@ -1,5 +1,7 @@
 #pragma once
 
+// Real programs in tests.
+
 #include <chrono>
 #include <string>
 #include <vector>
@@ -8,11 +10,12 @@
 
 namespace loamtest {
 
-/// What no program here takes, however busy the machine is; several of them fit into a test's time limit.
+/// Longer than any program here runs, even on a busy machine, and short enough for several timeouts within a
+/// test's limit.
 constexpr std::chrono::seconds patience(20);
 
-/// A running program, its standard output and error on descriptors of the test's choice. Its LOAM_STATE is
-/// this process's LOAM_TEST_STATE, and its standard input is empty.
+/// A running program, with standard output and error on descriptors of the test. Its LOAM_STATE is this
+/// process's LOAM_TEST_STATE, and its standard input is empty.
 class Program {
  public:
   Program(const std::vector<std::string>& arguments, int out, int err, const char* executable = LOAMSHOW);
@@ -20,7 +23,7 @@ class Program {
   int pid() const { return pid_; }
   void signal(int number) const;
   bool ends(std::chrono::milliseconds within) const;
-  /// The exit status, or 1000 + the signal that killed it: one that does not end is killed.
+  /// The exit status, or 1000 + the signal that killed it. A program that does not end is killed.
   int status() const;
 
  private:
@@ -35,10 +38,10 @@ struct Ran {
 
 Ran run(const std::vector<std::string>& arguments);
 
-/// What can be read until the last writer has closed the other end, or nothing more comes.
+/// Reads until the last writer has closed the other end, or nothing more arrives.
 std::string drained(int fd);
 
-/// Waits until an end that nobody reads from takes no more of what its writer has.
+/// Waits until a descriptor without a reader is full.
 void awaitFull(int fd);
 
 struct Pipe {

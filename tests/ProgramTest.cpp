@@ -94,11 +94,11 @@ TEST(Program, AReaderThatLeavesEndsItQuietly) {
   EXPECT_EQ(err.content(), "");
 }
 
-/// An end to write to, and the one to read from it, which nobody does.
+/// A descriptor to write to, whose other end nobody reads.
 struct Unread {
   const char* name;
   std::function<void(int* ends)> open;
-  bool takesTheLine;  // without a reader
+  bool takesTheLine;  // the "exiting" line fits even without a reader
 };
 
 const Unread unread[] = {
@@ -120,8 +120,8 @@ const Unread unread[] = {
 };
 
 TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
-  // Pauses between interrupts. A second one comes as a rule before the line that tells of the first, or while
-  // the program waits for room to write it.
+  // Pauses between interrupts. The second one usually arrives before the "exiting" line, or while the program
+  // waits to write it.
   const std::vector<std::chrono::microseconds> pauses[] = {
       {}, {std::chrono::microseconds(100)}, {std::chrono::milliseconds(30), std::chrono::milliseconds(30)}};
   for (const Unread& sink : unread) {
@@ -153,7 +153,7 @@ TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
 TEST(Program, AnInterruptAfterTheAnswerKillsNobody) {
   std::string counters = R"("c": {})";
   for (int i = 0; i < 30'000; ++i) counters += ", \"c" + std::to_string(i) + "\": {}";
-  // Takes some time to release.
+  // A state that takes some time to release.
   const MemoryFile file(R"({"debug": {"faps": {"F": {"directory": {"blocks": {"b": {)" + counters +
                         "}}}}}}}");
   for (const std::vector<std::string>& command :

@@ -40,7 +40,7 @@ TEST(Queues, ShowsAggregateIngressThenEgress) {
   addEgress(text, egress, "Ethernet3", pairedLabels,
             egressQuads(EgressRecord::queueMode, ethernet3, DestType::unicast, pairedTcs),
             egressQuads(EgressRecord::queueMode, ethernet3, DestType::multicast, pairedTcs));
-  // The port channel has no FAP, so it takes both modes of the switch: its rows come twice.
+  // The port channel has no FAP, so it has both modes of the switch: its rows come twice.
   for (int mode = 0; mode < 2; ++mode) {
     addEgress(text, egress, "Port-Channel1", lagLabels(),
               egressQuads(EgressRecord::lag, portChannel1, DestType::unicast, lagTcs),
@@ -75,7 +75,7 @@ TEST(Queues, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
   for (const int major : {1, 2}) {
     Json state = smallSwitch();
     for (auto& entry : state["status"]["fapRevision"].items()) entry.value()["major"] = major;
-    // Rows of shared classes come with queue mode.
+    // Queue mode adds rows of shared classes.
     const Labels labels = major == 1 ? tcs() : lagLabels();
     const std::vector<U64>& shown = major == 1 ? allTcs : lagTcs;
     std::string text = egressHead();
@@ -87,7 +87,8 @@ TEST(Queues, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
   }
 }
 
-/// The small switch with every kind of special port. Every port maps to an interface named after it, but 340.
+/// The small switch with every kind of special port. Every port except 340 maps to an interface named after
+/// it.
 Json specialSwitch() {
   Json state = smallSwitch();
   Json& status = state["status"];
@@ -142,10 +143,9 @@ TEST(Queues, InternalAddsSpecialInterfacesInTheOrderOfTheirKinds) {
 TEST(Queues, TranslatesInterfacesToThoseThatOwnQueues) {
   Json state = smallSwitch();
   Json& status = state["status"];
-  status["intfIdToSppid"]["Port-Channel1"] =
-      70;  // no TM entry: stays as itself, but not where VOQ ports only count
-  status["sppidToIntfId"]["66"] = "Ethernet9";  // a port maps back to another interface
-  status["intfIdToSppid"]["Loopback0"] = 64;    // two interfaces on one port
+  status["intfIdToSppid"]["Port-Channel1"] = 70;  // no TM entry: kept unchanged, except with VOQ ports only
+  status["sppidToIntfId"]["66"] = "Ethernet9";    // a port maps back to another interface
+  status["intfIdToSppid"]["Loopback0"] = 64;      // two interfaces on one port
   const std::string ingress = answer(state, {"ingress"});
   EXPECT_THAT(rowNames(ingress.substr(0, ingress.find("A.1"))), ElementsAre("Et1", "Et1.5", "Et9", "Et1"));
   const std::string queues = answer(state, {"queues"});
@@ -171,7 +171,7 @@ TEST(Ingress, ShowsATablePerFapCore) {
 
 TEST(Ingress, InternalAddsSpecialInterfacesToEveryTable) {
   Json state = specialSwitch();
-  state["status"]["fapNumCores"] = {{"3", 0}, {"7", 1}, {"9", 2}};  // no cores; and no name
+  state["status"]["fapNumCores"] = {{"3", 0}, {"7", 1}, {"9", 2}};  // one without cores, one without a name
   state["status"]["subIntfNumVoqs"] = 0;
   EXPECT_THAT(
       rowNames(answer(state, {"ingress", "--internal", "et1,et1.5"})),

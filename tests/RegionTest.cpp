@@ -1,4 +1,5 @@
-// Counter regions: what a writer puts in is what a reader gets out, whole, whatever happens to the file.
+// Counter regions: readers get consistent records as they were written, or an error, whatever happens to the
+// file.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -92,7 +93,7 @@ Json egressJson(const Record& record) {
   return out;
 }
 
-/// All that tables answer, and something that they do not hold.
+/// All records of tables, and reads of missing ones.
 Json everythingOf(const RecordTables& tables) {
   Json all;
   const auto key = [](Nexo::IntfId intf) { return EgressCounterKey{intf, 56}; };
@@ -238,7 +239,7 @@ TEST(Region, ShowsEachUpdate) {
   EXPECT_FALSE(writer.debugCounterIs("F2", "now", 0, {}));
   EXPECT_EQ(contentOf(fileOf(directory)), settled);
 
-  // Who has an old region mapped goes on with it.
+  // A reader of the old region continues with it.
   state = busyState();
   const CounterRegionWriter next = writerOf(fileOf(directory), state);
   EXPECT_EQ(egressJson(tables.egressCounter({ethernet1, 56})), egressJson(egress));
@@ -249,7 +250,7 @@ TEST(Region, ShowsEachUpdate) {
   EXPECT_EQ(directory.names(), std::vector<std::string>());
 }
 
-/// The bytes of a region, its parts to be found and changed.
+/// The bytes of a region, with access to its parts.
 struct Bytes {
   std::string bytes;
 
@@ -341,7 +342,7 @@ TEST(Region, IsRefusedWhenDamaged) {
   }
 }
 
-/// A region whose bytes a test changes beneath its reader.
+/// A mapped region whose file a test changes.
 struct Beneath {
   explicit Beneath(const std::string& path) : fd(::open(path.c_str(), O_RDWR | O_CLOEXEC)) {}
   ~Beneath() { ::close(fd); }
@@ -398,7 +399,7 @@ TEST(Region, NamesARecordThatStaysHalfWritten) {
        "egress ACL counter of Ethernet1"},
       {[&] { tables.egressMtuTotalCounter(FapId(3)); }, "egress MTU counters of FAP 3"},
       {[&] { manager.counter("now", 1); }, "debug counter 1 of F1, snapshot now"}};
-  std::vector<std::jthread> threads;  // since each waits
+  std::vector<std::jthread> threads;  // in threads, because each read waits
   for (const auto& [read, name] : cases) {
     threads.emplace_back([&read = read, name = name] {
       const auto start = std::chrono::steady_clock::now();
@@ -410,7 +411,7 @@ TEST(Region, NamesARecordThatStaysHalfWritten) {
   }
   threads.clear();
   EXPECT_NO_THROW(tables.ingressTcCounter(FapId(3), LocalCoreId(0), intf));
-  // Overwriting reaches the header, too, mostly: then it is not the writer who is to blame.
+  // If the header is overwritten too, the error is about the region, not the writer.
   beneath.put(0, 0);
   EXPECT_THAT(cases[3].first,
               ThrowsMessage<RegionException>("R: damaged counter region: overwritten while it was read"));
@@ -435,7 +436,7 @@ TEST(Region, SurvivesBeingTruncatedWhileRead) {
   }
 }
 
-/// A record in which each count tells all others.
+/// A record in which each count determines all others.
 IngressTcCounter telling(U64 value) {
   IngressTcCounter record({CounterQuad{value, value * 64, value, value * 64}}, {});
   for (U64 t = 0; t < 8; ++t) {
@@ -484,7 +485,7 @@ TEST(Threads, ReadRecordsOfARegionWhole) {
     ASSERT_EQ(static_cast<double>(counter.value), counter.lastDiscontinuity.value());
     ASSERT_EQ(counter.value % 2 != 0, counter.overflow);
   }
-  EXPECT_GT(changes, 10U);  // the machine may be busy
+  EXPECT_GT(changes, 10U);  // a low limit, for busy machines
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST(Registry, HoldsWhatCallersRelyOn) {
   const std::string listing = loamshow::registryListing();
   EXPECT_THAT(words(listing), testing::ContainerEq(words(expected)));
 
-  // The JSON holds the same, in another order.
+  // The JSON has the same contents, in another order.
   const auto sorted = [](const std::string& text, const char* separators) {
     std::vector<std::string> all = words(std::regex_replace(text, std::regex(separators), " "));
     std::sort(all.begin(), all.end());
@@ -67,7 +67,7 @@ TEST(Registry, HoldsWhatCallersRelyOn) {
   EXPECT_EQ(sorted(leaves, " "), sorted(listing, "[(),]|: |Module |symbol |uses "));
 }
 
-// Per kind of attribute, the op codes that it takes, with well-formed arguments.
+// For each kind of attribute the valid op codes, with well-formed arguments.
 TEST(Registry, AnswersAStatusForEveryOpCode) {
   const auto list = make("LoamCounters::IntfList");
   const auto lists = make("LoamCounters::AllIntfList");
@@ -208,7 +208,7 @@ TEST(Registry, CursorsWalkEveryCollection) {
   EXPECT_THAT(keys, ElementsAre(12, 40, 300));
   EXPECT_EQ(requested(ports, "systemPhyPortId", OpCode::count).as<U32>(), 2U);
 
-  // Kinds as a host knows them: by their numbers.
+  // Kinds by number, as a host uses them.
   const auto lists = make("LoamCounters::AllIntfList");
   for (const char* attribute : {"specialIngressIntfList", "specialEgressIntfList"}) {
     for (const U8 kind : {U8{9}, U8{0}, U8{5}}) {
@@ -301,7 +301,7 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
   EXPECT_EQ(mapping->fapDescriptorDel("F"), nullptr);
 }
 
-// The names themselves are in the registry, whose listing is compared above.
+// The test of the registry's listing compares the names.
 template <class Kind>
 void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::String&), const char* foreign) {
   const Vane::TypeDescriptor& type = *Vane::findType(Vane::typeName<Kind>);

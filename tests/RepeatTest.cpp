@@ -39,7 +39,7 @@ class Replaced {
   ~Replaced() { std::filesystem::remove_all(directory_); }
 
   std::string path() const { return directory_ / "state.json"; }
-  /// A switch whose only loss is this one.
+  /// Writes a switch with only this loss.
   void lossIs(U64 packets, const std::string& takenAt, const char* name = "leaf7") const {
     Json state = {{"switch", {{"name", name}}}};
     if (!takenAt.empty()) state["switch"]["takenAt"] = takenAt;
@@ -58,7 +58,7 @@ class Replaced {
       std::filesystem::temp_directory_path() / ("loam-repeat-" + std::to_string(::getpid()));
 };
 
-/// What arrives at a descriptor, up to and including a text.
+/// Reads from a descriptor up to and including a text.
 std::string readTo(int fd, const std::string& end) {
   std::string text;
   pollfd readable{fd, POLLIN, 0};
@@ -70,7 +70,7 @@ std::string readTo(int fd, const std::string& end) {
   return text;
 }
 
-/// The next answer that is not of a turn in which the file was the same.
+/// The next output of a turn in which the file had changed.
 Json nextLoss(int fd) {
   for (;;) {
     const std::string text = readTo(fd, "\n");

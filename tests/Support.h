@@ -1,5 +1,7 @@
 #pragma once
 
+// The small switch of the tests, and helpers for commands in this process.
+
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -12,7 +14,7 @@ namespace loamtest {
 
 using Json = nlohmann::ordered_json;
 
-/// What printf would write.
+/// Formats like printf.
 [[gnu::format(printf, 1, 2)]] std::string line(const char* format, ...);
 
 /// The four counts of a quad: base + 1 to base + 4.
@@ -48,20 +50,19 @@ inline U64 egressBase(EgressRecord record, U64 intf, U64 t, DestType destType) {
          static_cast<U64>(destType) * 10;
 }
 
-/// A JSON text with a member in each line, so that the report of a wrong one shows which members differ.
+/// A JSON text with one member per line, so that a failure shows which members differ.
 std::string lines(const std::string& json);
 
-/// What stands between the white space of a text.
+/// The words of a text, separated by white space.
 std::vector<std::string> words(const std::string& text);
 
 /// A command line such as {"queues", "-j"}.
 loamshow::CommandLine parsed(const std::vector<std::string>& arguments);
-/// The answer of a command line such as {"queues", "-j"} on a state, in this process. Raises what the program
-/// would report.
-/// With `then`, counted since that state.
+/// The output of a command line such as {"queues", "-j"} on a state, in this process. Throws the errors that
+/// the program would report. With `then`, shows the counts since that state.
 std::string answer(const Json& state, const std::vector<std::string>& arguments, const Json* then = nullptr);
 
-/// A file in memory, to be written to by its descriptor.
+/// A file in memory, with its descriptor.
 class MemoryFile {
  public:
   MemoryFile();
@@ -74,14 +75,14 @@ class MemoryFile {
   U32 fdNumber() const { return static_cast<U32>(fd_); }
   std::size_t size() const;
   std::string content() const;
-  /// A path under which other processes can open it, too, while this one runs.
+  /// A path by which other processes can open it while this one runs.
   std::string path() const;
 
  private:
   int fd_;
 };
 
-/// A directory that goes with all it holds.
+/// A directory that is removed with its contents.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();
@@ -90,7 +91,7 @@ class TemporaryDirectory {
   ~TemporaryDirectory();
 
   const std::string& path() const { return path_; }
-  /// What it holds, in ascending order.
+  /// The names of its files, in ascending order.
   std::vector<std::string> names() const;
 
  private:

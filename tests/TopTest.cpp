@@ -1,4 +1,4 @@
-// What lost most, from the answers of the commands.
+// The command `top`.
 
 #include <gmock/gmock.h>
 
@@ -162,7 +162,7 @@ TEST(Top, FitsEightyColumnsUpToLongNamesAndLargeCounts) {
                    [&](std::string_view part) { shown += part; });
     std::istringstream lines(shown);
     for (std::string row; std::getline(lines, row);) {
-      // Only the title is shorter.
+      // All lines but the title have 80 columns.
       EXPECT_TRUE(row.size() == 80 || row.starts_with("Dropped")) << row;
     }
   }

@@ -7,8 +7,7 @@ namespace loamshow {
 namespace {
 
 bool hasFapCore(const Hardware::Loam::Status& status) {
-  // NOLINTNEXTLINE(readability-use-anyofallof): the walk has a sentinel, and its cursor is not a standard
-  // iterator
+  // NOLINTNEXTLINE(readability-use-anyofallof): the walk ends at a sentinel, and has no standard iterator
   for (const auto& [fap, cores] : status.fapNumCores) {
     if (cores != 0 && status.fapIdToName.contains(fap)) return true;
   }

@@ -285,7 +285,7 @@ TEST(Region, IsRefusedWhenDamaged) {
   }
   EXPECT_THROW(Region(-1, "R"), RegionException);
   constexpr U64 far = ~U64{0};
-  constexpr U64 aligned = far - 63;
+  constexpr U64 aligned = far - 7;
   const std::pair<void (*)(Bytes&), const char*> cases[] = {
       {[](Bytes& in) { in.header().magic[7] = 's'; }, "not a counter region"},
       {[](Bytes& in) { in.header().byteOrder = 0x04030201; }, "a counter region with another byte order"},
@@ -314,9 +314,8 @@ TEST(Region, IsRefusedWhenDamaged) {
       {[](Bytes& in) { in.source(0, 0).core = 7; }, "an unknown FAP or core"},
       {[](Bytes& in) { in.source(0, 0).queues = 81; }, "a record with too many queues"},
       {[](Bytes& in) { in.source(0, 0).record = 0; }, "a missing record"},
-      {[](Bytes& in) { in.source(0, 0).record += 8; }, "invalid offset or size of a record"},
-      {[](Bytes& in) { in.source(0, 0).record = in.bytes.size() / 64 * 64; },
-       "invalid offset or size of a record"},
+      {[](Bytes& in) { in.source(0, 0).record += 4; }, "invalid offset or size of a record"},
+      {[](Bytes& in) { in.source(0, 0).record = in.bytes.size() - 8; }, "invalid offset or size of a record"},
       {[](Bytes& in) { in.intf(0).egress = aligned; }, "invalid offset or size of a record"},
       {[](Bytes& in) { in.intf(0).egressTm = aligned; }, "invalid offset or size of a record"},
       {[](Bytes& in) { in.intf(0).egressLag = aligned; }, "invalid offset or size of a record"},
@@ -370,7 +369,8 @@ TEST(Region, NamesARecordThatStaysHalfWritten) {
   beneath.put(bytes.source(0, 1).record, 3);
   beneath.put(bytes.fap(0).record, 5);
   for (U64 i = 0; i < bytes.manager(0).snapshots.count; ++i) {
-    if (bytes.snapshot(i).records.count > 1) beneath.put(bytes.snapshot(i).records.offset + 64, 7);
+    if (bytes.snapshot(i).records.count > 1)
+      beneath.put(bytes.snapshot(i).records.offset + region::recordSize(region::debugWords), 7);
   }
   const std::pair<std::function<void()>, const char*> cases[] = {
       {[&] { tables.ingressTcCounter(FapId(3), LocalCoreId(1), intf); },

@@ -16,7 +16,7 @@ namespace {
 
 static_assert(std::atomic_ref<U64>::is_always_lock_free);
 
-constexpr U64 structAlignment = 8;
+constexpr U64 alignment = 8;  // of structures and records
 constexpr U64 heartbeatAt = offsetof(RegionHeader, heartbeat);
 
 U64* wordAt(char* bytes, U64 offset) {
@@ -52,7 +52,7 @@ RegionMapping mapped(int fd, const Mote::String& name, RegionAccess access) {
 template <class T>
 T Region::load(U64 offset) const {
   static_assert(sizeof(T) % sizeof(U64) == 0);
-  if (offset % structAlignment != 0 || !within(offset, sizeof(T), mapping_.size())) {
+  if (offset % alignment != 0 || !within(offset, sizeof(T), mapping_.size())) {
     damaged("invalid offset or size of a structure");
   }
   std::array<U64, sizeof(T) / sizeof(U64)> words;
@@ -86,7 +86,7 @@ Region::Region(int fd, const Mote::String& name, RegionAccess access)
   interfaces_ = header.interfaces;
   faps_ = header.faps;
   managers_ = header.managers;
-  static_cast<void>(description());
+  requireText(description_);
   checkInterfaces();
   checkFaps();
   checkManagers();
@@ -113,7 +113,7 @@ void Region::requireIntact() const {
 }
 
 void Region::requireArray(RegionPart part, U64 stride, const char* what) const {
-  if (part.count > mapping_.size() / stride || part.offset % structAlignment != 0 ||
+  if (part.count > mapping_.size() / stride || part.offset % alignment != 0 ||
       !within(part.offset, part.count * stride, mapping_.size())) {
     damaged(what);
   }
@@ -124,20 +124,20 @@ void Region::spend(U64 bytes) {
   spent_ += bytes;
 }
 
-std::string Region::text(RegionPart part) const {
+void Region::requireText(RegionPart part) const {
   if (!within(part.offset, part.count, mapping_.size())) damaged("invalid offset or size of a text");
-  return {mapping_.bytes() + part.offset, part.count};
 }
 
-Mote::String Region::nameIn(RegionPart part) const {
-  Mote::String name = text(part);
-  if (name.view().find('\0') != std::string_view::npos) damaged("a name with U+0000");
+std::string Region::nameIn(RegionPart part) const {
+  requireText(part);
+  std::string name(mapping_.bytes() + part.offset, part.count);
+  if (name.find('\0') != std::string::npos) damaged("a name with U+0000");
   if (!tabula::isUtf8(name)) damaged("a name that is not UTF-8");
   return name;
 }
 
-std::string Region::description() const {
-  return text(description_);
+std::string_view Region::description() const noexcept {
+  return {mapping_.bytes() + description_.offset, description_.count};
 }
 
 U64 Region::heartbeat() const noexcept {
@@ -150,7 +150,7 @@ void Region::heartbeatIs(U64 nanoseconds) const noexcept {
 
 U64* Region::record(U64 offset, U64 words) const {
   if (offset == 0) damaged("a missing record");
-  if (offset % region::recordAlignment != 0 || !within(offset, sizeof(U64) * (1 + words), mapping_.size())) {
+  if (offset % alignment != 0 || !within(offset, region::recordSize(words), mapping_.size())) {
     damaged("invalid offset or size of a record");
   }
   return wordAt(mapping_.bytes(), offset);
@@ -158,12 +158,13 @@ U64* Region::record(U64 offset, U64 words) const {
 
 void Region::checkInterfaces() {
   requireArray(interfaces_, sizeof(RegionInterface), "invalid offset or size of the interfaces");
+  intfs_.reserve(interfaces_.count);
   for (U64 i = 0; i < interfaces_.count; ++i) {
     const auto intf = element<RegionInterface>(interfaces_, i);
     spend(intf.name.count);
     const Nexo::IntfId id(nameIn(intf.name));
-    if (intfs_.find(id) != nullptr) damaged("a repeated interface");
     intfs_.set(id, static_cast<U32>(i));
+    if (intfs_.size() != i + 1) damaged("a repeated interface");
     checkInterface(intf);
   }
 }

@@ -3,6 +3,7 @@
 // A mapped counter region: validated when it is mapped, with look-ups by key.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Vane.h"
@@ -32,8 +33,8 @@ class Region : public Mote::Node {
   Region(int fd, const Mote::String& name, RegionAccess access = RegionAccess::read);
 
   const Mote::String& name() const noexcept { return name_; }
-  /// The switch without its counters, as JSON text.
-  std::string description() const;
+  /// The switch without its counters, as JSON text in the mapped memory: copy it before parsing.
+  std::string_view description() const noexcept;
   /// When the writer last gave a sign of life: nanoseconds since 1970 UTC.
   U64 heartbeat() const noexcept;
   void heartbeatIs(U64 nanoseconds) const noexcept;
@@ -78,8 +79,8 @@ class Region : public Mote::Node {
   template <class T>
   T element(RegionPart part, U64 number) const;
   void requireArray(RegionPart part, U64 stride, const char* what) const;
-  std::string text(RegionPart part) const;
-  Mote::String nameIn(RegionPart part) const;
+  void requireText(RegionPart part) const;
+  std::string nameIn(RegionPart part) const;
   std::vector<Snapshot> snapshotsOf(const RegionManager& manager) const;
   void checkInterfaces();
   void checkInterface(const RegionInterface& intf);

@@ -29,9 +29,7 @@ class Layout {
     text.copy(&bytes_[part.offset], text.size());
     return part;
   }
-  U64 records(U64 words, U64 count = 1) {
-    return room(region::recordSize(words) * count, region::recordAlignment);
-  }
+  U64 records(U64 words, U64 count = 1) { return room(region::recordSize(words) * count, sizeof(U64)); }
   std::string finish(RegionHeader header) && {
     room(0, sizeof(U64));
     header.size = bytes_.size();
@@ -45,34 +43,45 @@ class Layout {
 
 RegionPart layInterfaces(Layout& layout, const RecordTables& counters) {
   struct Intf {
+    Nexo::IntfId id;
     RegionInterface entry{};
     std::vector<RegionSource> sources;
   };
-  Vane::DenseMap<Nexo::IntfId, Intf, Vane::Hash> intfs;
+  std::vector<Intf> intfs;
+  Vane::DenseMap<Nexo::IntfId, U32, Vane::Hash> places;
+  const auto intfOf = [&](Nexo::IntfId id) -> Intf& {
+    if (places.find(id) == nullptr) {
+      places.set(id, static_cast<U32>(intfs.size()));
+      intfs.emplace_back().id = id;
+    }
+    return intfs[*places.find(id)];
+  };
   for (U32 place = 0; const auto& [source, intf] : counters.ingressKeys()) {
     const std::size_t queues = counters.ingressTcCounter(source.fapId, source.coreId, intf).queues().size();
-    intfs[intf].sources.push_back(
+    intfOf(intf).sources.push_back(
         {0, place++, source.fapId.value(), static_cast<U8>(source.coreId.value()), static_cast<U8>(queues)});
   }
-  for (const auto intf : counters.egressKeys()) intfs[intf].entry.egress = region::egressWords;
-  for (const auto intf : counters.egressTmKeys()) intfs[intf].entry.egressTm = region::egressTmWords;
-  for (const auto intf : counters.egressLagKeys()) intfs[intf].entry.egressLag = region::egressLagWords;
-  for (const auto intf : counters.egressAclKeys()) intfs[intf].entry.egressAcl = region::egressAclWords;
+  for (const auto intf : counters.egressKeys()) intfOf(intf).entry.egress = region::egressWords;
+  for (const auto intf : counters.egressTmKeys()) intfOf(intf).entry.egressTm = region::egressTmWords;
+  for (const auto intf : counters.egressLagKeys()) intfOf(intf).entry.egressLag = region::egressLagWords;
+  for (const auto intf : counters.egressAclKeys()) intfOf(intf).entry.egressAcl = region::egressAclWords;
 
-  std::vector<RegionInterface> entries;
-  for (const auto& [id, intf] : intfs) {
-    RegionInterface entry = intf.entry;
-    std::vector<RegionSource> sources = intf.sources;
-    std::sort(sources.begin(), sources.end(), [](const RegionSource& left, const RegionSource& right) {
-      return std::pair(left.fap, left.core) < std::pair(right.fap, right.core);
-    });
-    for (RegionSource& source : sources) source.record = layout.records(region::ingressWords(source.queues));
+  // The records apart from what is read when the region is mapped, so that mapping touches few pages.
+  for (Intf& intf : intfs) {
+    std::ranges::sort(intf.sources, {}, [](const RegionSource& at) { return std::pair(at.fap, at.core); });
+    for (RegionSource& source : intf.sources) {
+      source.record = layout.records(region::ingressWords(source.queues));
+    }
+    RegionInterface& entry = intf.entry;
     for (U64* record : {&entry.egress, &entry.egressTm, &entry.egressLag, &entry.egressAcl}) {
       if (*record != 0) *record = layout.records(*record);
     }
-    entry.sources = layout.array(sources);
-    entry.name = layout.text(id.stringValue());
-    entries.push_back(entry);
+  }
+  for (Intf& intf : intfs) intf.entry.sources = layout.array(intf.sources);
+  std::vector<RegionInterface> entries;
+  for (Intf& intf : intfs) {
+    intf.entry.name = layout.text(intf.id.stringValue());
+    entries.push_back(intf.entry);
   }
   return layout.array(entries);
 }

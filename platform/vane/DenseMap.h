@@ -24,6 +24,11 @@ class DenseMap {
     V item;
   };
 
+  /// Allocates memory for that many entries.
+  void reserve(std::size_t count) {
+    entries_.reserve(count);
+    while (2 * count > slots_.size()) grow();
+  }
   /// Null if absent; valid until the map changes.
   const V* find(const K& key) const {
     if (entries_.empty()) return nullptr;

@@ -11,14 +11,12 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <optional>
 
 #include "bench/Benches.h"
 #include "bench/Rounds.h"
 #include "bench/Switch.h"
-#include "loamshow/state/Capture.h"
+#include "loamshow/state/RegionState.h"
 #include "platform/counteragent/RegionReader.h"
-#include "platform/counteragent/RegionWriter.h"
 
 namespace loambench {
 
@@ -32,10 +30,6 @@ constexpr std::size_t cores = 8;
 /// The switch in memory, as a state file, and in a region.
 struct Switches {
   Switches() {
-    std::string description;
-    loamshow::JsonWriter out(description, loamshow::JsonWriter::Layout::oneLine);
-    loamshow::captureDescription(busy.state, out);
-    writer.emplace(region, description, *busy.state.counters);
     std::ofstream(file) << busyStateFile(interfaces, loamshow::JsonWriter::Layout::indented);
     const int fd = ::open(region.c_str(), O_RDONLY | O_CLOEXEC);
     tables = Mote::make<RegionTables>(Mote::make<Region>(fd, region));
@@ -44,14 +38,14 @@ struct Switches {
   Switches(const Switches&) = delete;
   Switches& operator=(const Switches&) = delete;
   ~Switches() {
-    writer->remove();
+    writer.remove();
     std::filesystem::remove(file);
   }
 
   BusySwitch busy{interfaces, cores};
   std::string region = "/dev/shm/loambench-region." + std::to_string(::getpid());
   std::string file = "/dev/shm/loambench-state." + std::to_string(::getpid());
-  std::optional<CounterRegionWriter> writer;
+  CounterRegionWriter writer = loamshow::publish(busy.state, region);
   RecordTables::PtrConst tables;
 };
 
@@ -91,7 +85,7 @@ void addRegions() {
     double region = 0;
     double file = 0;
     for (int i = 0; i < 11; ++i) {
-      switches.writer->alive();
+      switches.writer.alive();
       region += queuesTime(switches.region);
       file += queuesTime(switches.file);
     }

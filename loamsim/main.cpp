@@ -9,8 +9,7 @@
 #include <system_error>
 #include <thread>
 
-#include "loamshow/json/JsonWriter.h"
-#include "loamshow/state/Capture.h"
+#include "loamshow/state/RegionState.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 #include "loamsim/Motion.h"
@@ -105,17 +104,6 @@ void stopOnSignals() {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
 }
 
-LoamCounters::CounterRegionWriter publish(const loamshow::SwitchState& state, const std::string& path) {
-  std::string description;
-  loamshow::JsonWriter out(description, loamshow::JsonWriter::Layout::oneLine);
-  loamshow::captureDescription(state, out);
-  std::vector<LoamCounters::DebugCounters> debug;
-  for (const loamshow::DebugFap& fap : state.debugFaps) {
-    if (fap.manager != nullptr) debug.push_back({fap.name, fap.manager});
-  }
-  return {path, description, *state.counters, debug};
-}
-
 /// Waits until the given time, a signal, or the next sign of life.
 void rest(Clock::time_point until) {
   constexpr Seconds signOfLife{0.5};
@@ -128,7 +116,7 @@ void rest(Clock::time_point until) {
 void run(const Settings& settings) {
   const loamshow::SwitchState state = loamshow::loadStateFile(settings.state);
   stopOnSignals();
-  const LoamCounters::CounterRegionWriter writer = publish(state, settings.region);
+  const LoamCounters::CounterRegionWriter writer = loamshow::publish(state, settings.region);
   Motion motion(state, settings.speed, settings.seed);
   const Clock::time_point start = Clock::now();
   Clock::time_point last = start;

@@ -1,5 +1,6 @@
 // loamshow on a counter region, with the real programs.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -11,7 +12,7 @@
 #include <set>
 #include <thread>
 
-#include "platform/counteragent/RegionLayout.h"
+#include "platform/counteragent/Region.h"
 #include "tests/Program.h"
 #include "tests/Support.h"
 
@@ -20,29 +21,32 @@ namespace loamtest {
 namespace {
 
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::MatchesRegex;
-using testing::StartsWith;
+
+constexpr U64 heartbeatAt = offsetof(LoamCounters::RegionHeader, heartbeat);
 
 /// A simulated switch, and the file of its region.
 struct Live {
-  explicit Live(const std::string& state, std::vector<std::string> options = {"--speed", "0"}) {
-    options.insert(options.end(), {state, region});
-    sim.emplace(options, err.fd(), err.fd(), LOAMSIM);
+  explicit Live(const std::string& state, const std::string& options = "--speed 0") {
+    std::vector<std::string> arguments = words(options);
+    arguments.insert(arguments.end(), {state, region});
+    sim.emplace(arguments, err.fd(), err.fd(), LOAMSIM);
     while (!std::filesystem::exists(region) && !sim->ends(std::chrono::milliseconds(5))) {
     }
   }
-  ~Live() { stop(); }
-  int stop(int signal = SIGINT) {
+  ~Live() { stop(SIGKILL); }
+  int stop(int signal) {
     if (!sim) return 0;
     sim->signal(signal);
     const int status = sim->status();
     sim.reset();
     return status;
   }
-  void put(U64 offset, U64 word) const {
-    std::fstream file(region, std::ios::in | std::ios::out | std::ios::binary);
-    file.seekp(static_cast<std::streamoff>(offset)).write(static_cast<char*>(static_cast<void*>(&word)), 8);
+  /// The output of a command on the region.
+  Ran shown(const std::string& command) const {
+    std::vector<std::string> arguments = words(command);
+    arguments.insert(arguments.begin(), {"-s", region});
+    return run(arguments);
   }
 
   TemporaryDirectory directory;
@@ -51,86 +55,84 @@ struct Live {
   std::optional<Program> sim;
 };
 
-/// An output without the times at which counters were read.
-std::string withoutTime(const std::string& out) {
-  return std::regex_replace(out, std::regex("20[0-9-]+T[0-9:.]+Z"), "TIME");
-}
-
 TEST(Live, EveryAnswerOfASwitchThatStandsStillIsThatOfItsState) {
   const Live live(SAMPLE);
-  const std::vector<std::string> commands[] = {{"queues"},
-                                               {"queues", "--internal"},
-                                               {"ingress", "--internal"},
-                                               {"cpu"},
-                                               {"cpu", "--summary"},
-                                               {"drops"},
-                                               {"acl"},
-                                               {"mtu"},
-                                               {"debug"},
-                                               {"check"},
-                                               {"top", "-n", "0"},
-                                               {"capture"}};
-  for (std::vector<std::string> words : commands) {
-    for (const char* format : {"text", "json"}) {
-      std::vector<std::string> arguments = {"-s", live.region};
-      words.insert(words.end(), {"--format", format});
-      arguments.insert(arguments.end(), words.begin(), words.end());
-      Ran fromRegion = run(arguments);
-      arguments[1] = SAMPLE;
-      Ran fromState = run(arguments);
-      EXPECT_EQ(fromRegion.status, fromState.status) << words.front();
+  const auto withoutTime = [](const std::string& out) {  // takenAt is the time of reading
+    return std::regex_replace(out, std::regex("20[0-9-]+T[0-9:.]+Z"), "TIME");
+  };
+  for (const char* const command :
+       {"queues", "queues --internal", "ingress --internal", "cpu", "cpu --summary", "drops", "acl", "mtu",
+        "debug", "check", "top -n 0", "capture"}) {
+    for (const char* const format : {" --format text", " --format json"}) {
+      const Ran fromRegion = live.shown(std::string(command) + format);
+      const Ran fromState = run(words(std::string("-s " SAMPLE " ") + command + format));
+      EXPECT_EQ(fromRegion.status, fromState.status) << command;
       EXPECT_EQ(fromRegion.err, fromState.err);
-      // takenAt is the time of reading.
-      EXPECT_EQ(withoutTime(fromRegion.out), withoutTime(fromState.out)) << words.front() << ' ' << format;
+      EXPECT_EQ(withoutTime(fromRegion.out), withoutTime(fromState.out)) << command << format;
     }
   }
 }
 
 TEST(Live, TellsWhatBecameOfTheWriter) {
   Live live(SAMPLE);
-  const auto shown = [&] { return run({"-s", live.region, "acl"}); };
-  const std::string whole = shown().out;
-  EXPECT_EQ(shown().err, "");
-  live.sim->signal(SIGKILL);
-  live.sim->status();
-  live.sim.reset();
-  EXPECT_EQ(shown().out, whole) << "the last counts of a writer that was killed";
-  EXPECT_EQ(shown().err, "");
-  live.put(offsetof(LoamCounters::RegionHeader, heartbeat), 1'000'000'000);
-  EXPECT_EQ(shown().out, whole);
-  EXPECT_EQ(shown().status, 0);
-  EXPECT_THAT(shown().err, MatchesRegex("loamshow: .*/region: last written [0-9]+ s ago\n"));
-  EXPECT_EQ(run({"complete", "-s", live.region, "acl", "Et1/1."}).err, "");
+  const std::string whole = live.shown("acl").out;
+  live.stop(SIGKILL);
+  EXPECT_EQ(live.shown("acl").err, "");
+  putWord(live.region, heartbeatAt, 1'000'000'000);
+  const Ran late = live.shown("acl");
+  EXPECT_EQ(late.out, whole) << "the last counts of a writer that was killed";
+  EXPECT_EQ(late.status, 0);
+  EXPECT_THAT(late.err, MatchesRegex("loamshow: .*/region: last written [0-9]+ s ago\n"));
+  EXPECT_EQ(run(words("complete -s " + live.region + " acl Et1/1.")).err, "");
   const Ran since = run({"--sample", "--since", live.region, "acl"});
   EXPECT_EQ(since.status, 2);
   EXPECT_THAT(since.err, EndsWith("/region: expected a state file, not a counter region\n"));
 
-  std::filesystem::resize_file(live.region, 5000);
-  EXPECT_EQ(shown().status, 2);
-  EXPECT_THAT(shown().err, EndsWith("/region: truncated counter region\n"));
-  EXPECT_EQ(shown().out, "");
+  putWord(live.region, heartbeatAt, ~U64{0});
+  const int fd = ::open(live.region.c_str(), O_RDONLY | O_CLOEXEC);
+  const LoamCounters::Region region(fd, "R");
+  ::close(fd);
+  putWord(live.region, region.interface(Nexo::IntfId("Ethernet1/1")).egressAcl, 1);
+  const Ran half = live.shown("acl");
+  EXPECT_EQ(half.status, 1);
+  EXPECT_THAT(half.err, MatchesRegex("loamshow: .*/region: egress ACL counter of Ethernet1/1 cannot be read: "
+                                     "the writer stopped in the middle of the record\n"));
+  EXPECT_EQ(live.shown("mtu").status, 0);
 }
 
-TEST(Live, ARecordThatStaysHalfWrittenIsNamed) {
-  Live live(SAMPLE);
-  live.put(offsetof(LoamCounters::RegionHeader, heartbeat), ~U64{0});
-  LoamCounters::RegionHeader header{};
-  LoamCounters::RegionInterface intf{};
-  std::ifstream file(live.region, std::ios::binary);
-  file.read(static_cast<char*>(static_cast<void*>(&header)), sizeof header);
-  do {
-    file.seekg(static_cast<std::streamoff>(header.interfaces.offset));
-    file.read(static_cast<char*>(static_cast<void*>(&intf)), sizeof intf);
-    header.interfaces.offset += sizeof intf;
-  } while (intf.egressAcl == 0);
-  live.put(intf.egressAcl, 1);
-  const Ran ran = run({"-s", live.region, "acl"});
-  EXPECT_EQ(ran.status, 1);
-  EXPECT_THAT(
-      ran.err,
-      MatchesRegex("loamshow: .*/region: egress ACL counter of [^ ]+ cannot be read: the writer stopped "
-                   "in the middle of the record\n"));
-  EXPECT_EQ(run({"-s", live.region, "mtu"}).status, 0);
+TEST(Live, SurvivesWhatBecomesOfTheFileWhileItIsRead) {
+  struct Case {
+    void (*change)(const std::string& path);
+    int status;
+    const char* problem;
+  };
+  const Case cases[] = {{[](const std::string& path) { std::filesystem::resize_file(path, 0); }, 2,
+                         "loamshow: .*/region: the counter region was truncated while it was read\n"},
+                        {[](const std::string& path) { std::filesystem::resize_file(path, 8192); }, 2,
+                         "loamshow: .*/region: the counter region was truncated while it was read\n"},
+                        {[](const std::string& path) {
+                           const std::string bytes(std::filesystem::file_size(path), '\xff');
+                           std::fstream(path, std::ios::in | std::ios::out) << bytes;
+                         },
+                         2, "loamshow: .*/region: damaged counter region: [^\n]*\n"},
+                        {[](const std::string& path) {
+                           std::ofstream(path + ".new") << "none";
+                           std::filesystem::rename(path + ".new", path);
+                         },
+                         0, ""}};
+  for (const auto& [change, status, problem] : cases) {
+    Live live(SAMPLE);
+    live.stop(SIGKILL);
+    Pipe pipe;
+    const MemoryFile err;
+    const Program show({"-s", live.region, "queues", "--internal", "--json"}, pipe.ends[1], err.fd());
+    awaitFull(pipe.ends[1]);  // the program waits in the middle of its output
+    pipe.closeEnd(1);
+    change(live.region);
+    static_cast<void>(pipe.drain());
+    EXPECT_EQ(show.status(), status);
+    EXPECT_THAT(err.content(), MatchesRegex(problem));
+  }
 }
 
 TEST(Live, CountsInProportionAndTotalsFollow) {
@@ -139,10 +141,10 @@ TEST(Live, CountsInProportionAndTotalsFollow) {
     for (Json& queue : entry["queues"]) queue = {100'000'000, 6'400'000'000, 1'000'000, 64'000'000};
   }
   const MemoryFile file(state.dump());
-  Live live(file.path(), {"--speed", "36000", "--period", "20"});
+  Live live(file.path(), "--speed 36000 --period 20");
   std::this_thread::sleep_for(std::chrono::seconds(1));
-  const Json counters = Json::parse(run({"-s", live.region, "capture"}).out)["counters"];
-  EXPECT_THAT(counters.dump(), testing::Not(HasSubstr("total"))) << "each is the sum of its queues";
+  const Json counters = Json::parse(live.shown("capture").out)["counters"];
+  EXPECT_THAT(counters.dump(), testing::Not(testing::HasSubstr("total"))) << "each is the sum of its queues";
   std::set<U64> packets;
   for (const Json& entry : counters["ingress"]) {
     for (const Json& queue : entry["queues"]) {
@@ -171,28 +173,28 @@ TEST(Live, RepeatedAnswersTakeUpANewRegion) {
   next.signal(SIGINT);
   EXPECT_EQ(next.status(), 0);
   EXPECT_EQ(err.content(), "");
-  EXPECT_EQ(live.stop(), 0);
-  EXPECT_THAT(out.content(), StartsWith("--- "));
+  EXPECT_EQ(live.stop(SIGINT), 0);
+  EXPECT_THAT(out.content(), testing::StartsWith("--- "));
   EXPECT_THAT(out.content(), testing::ContainsRegex("Et1/1 +n/a +[1-9]"));
 }
 
 TEST(Live, TheSimulatorExplainsWrongUsage) {
   const MemoryFile none;
   const TemporaryDirectory directory;
-  const std::string region = directory.path() + "/region";
-  const std::pair<std::vector<std::string>, int> cases[] = {{{}, 2},
-                                                            {{SAMPLE}, 2},
-                                                            {{"--speed", "-1", SAMPLE, region}, 2},
-                                                            {{"--bogus", SAMPLE, region}, 2},
-                                                            {{"--for", "x", SAMPLE, region}, 2},
-                                                            {{SAMPLE, region, "more"}, 2},
-                                                            {{"/nowhere", region}, 2},
-                                                            {{SAMPLE, "/nowhere/region"}, 1},
-                                                            {{"--for", "0.1", SAMPLE, region}, 0},
-                                                            {{"--help"}, 0}};
+  const std::string both = SAMPLE " " + directory.path() + "/region";
+  const std::pair<std::string, int> cases[] = {{"", 2},
+                                               {SAMPLE, 2},
+                                               {"--speed -1 " + both, 2},
+                                               {"--bogus " + both, 2},
+                                               {"--for x " + both, 2},
+                                               {both + " more", 2},
+                                               {"/nowhere" + both, 2},
+                                               {SAMPLE " /nowhere/region", 1},
+                                               {"--for 0.1 " + both, 0},
+                                               {"--help", 0}};
   for (const auto& [arguments, status] : cases) {
     const MemoryFile err;
-    EXPECT_EQ(Program(arguments, none.fd(), err.fd(), LOAMSIM).status(), status);
+    EXPECT_EQ(Program(words(arguments), none.fd(), err.fd(), LOAMSIM).status(), status) << arguments;
     EXPECT_THAT(err.content(), MatchesRegex(status == 0 ? "" : "loamsim: [^\n]+\n"));
   }
   EXPECT_EQ(directory.names(), std::vector<std::string>());

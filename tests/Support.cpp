@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -154,6 +155,11 @@ std::string MemoryFile::content() const {
 
 std::string MemoryFile::path() const {
   return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_);
+}
+
+void putWord(const std::string& path, U64 offset, U64 word) {
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(static_cast<std::streamoff>(offset)).write(static_cast<char*>(static_cast<void*>(&word)), 8);
 }
 
 TemporaryDirectory::TemporaryDirectory() : path_(std::filesystem::temp_directory_path() / "loamtest.XXXXXX") {

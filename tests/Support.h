@@ -82,6 +82,9 @@ class MemoryFile {
   int fd_;
 };
 
+/// Changes eight bytes of a file.
+void putWord(const std::string& path, U64 offset, U64 word);
+
 /// A directory that is removed with its contents.
 class TemporaryDirectory {
  public:

@@ -7,99 +7,80 @@ The octets of every queue in STATE are set to 64 times its packets. This must ho
 reader must end with 0. Then KILLS writers are killed at random moments: a reader must succeed, or name the record that it
 could not read in time."""
 
+import concurrent.futures
 import json
 import os
 import random
 import re
-import shutil
-import signal
 import struct
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 
 LOAMSHOW, LOAMSIM, STATE = sys.argv[1:4]
 SECONDS, KILLS = float(sys.argv[4]), int(sys.argv[5])
-SHOWN = [["queues", "--internal"], ["ingress", "--internal"], ["cpu"], ["cpu", "--summary"], ["drops"], ["acl"], ["mtu"]]
-COMMANDS = [command + ["--format", form] for command in SHOWN for form in ("text", "json")]
+SHOWN = ["queues --internal", "ingress --internal", "cpu", "cpu --summary", "drops", "acl", "mtu"]
+COMMANDS = [f"{command} --format {form}".split() for command in SHOWN for form in ("text", "json")]
 COMMANDS += [["debug"], ["capture"], ["check"]]
-WRITER = ["--speed", "1e6", "--period", "0"]
+STATUS = {"check": 1}  # the sample has findings
+HAVE_QUADS = ("queues", "ingress", "cpu", "drops", "capture")
+COUNTS = ("enqueuedPackets", "enqueuedBytes", "droppedPackets", "droppedBytes")
 ROW = re.compile(r" (\d+) +(\d+) +(\d+) +(\d+)$", re.M)
 
 
-writers, directory = [], None
-
-
-def fail(problem):
-    print("soak:", problem, file=sys.stderr)
-    for process in writers:
-        process.kill()
-    shutil.rmtree(directory, ignore_errors=True)
-    os._exit(1)  # from any thread
-
-
-def even(value):
-    """The counters of a state with octets that are 64 times the packets, and without totals."""
-    if isinstance(value, dict):
-        return {key: item if key == "ambiguousTcs" else even(item) for key, item in value.items() if key != "total"}
-    if isinstance(value, list) and len(value) == 4 and all(isinstance(item, int) for item in value):
-        packets, drops = value[0] % 2**40, value[2] % 2**40
-        return [packets, 64 * packets, drops, 64 * drops]
-    return [even(item) for item in value] if isinstance(value, list) else value
-
-
 def quads(value):
+    """The quads of JSON output or of the counters of a state, each a list."""
     if isinstance(value, dict):
         if "enqueuedBytes" in value:
-            yield [value[key] for key in ("enqueuedPackets", "enqueuedBytes", "droppedPackets", "droppedBytes")]
-        for item in (item for key, item in value.items() if key != "ambiguousTcs"):
-            yield from quads(item)
-    elif isinstance(value, list):
+            yield [value[count] for count in COUNTS]
+        value = [item for key, item in value.items() if key != "ambiguousTcs"]
+    if isinstance(value, list):
         if len(value) == 4 and all(isinstance(item, int) for item in value):
             yield value
         for item in value:
             yield from quads(item)
 
 
-def check(command, answer):
-    if command[0] == "capture" or "json" in command:
-        value = json.loads(answer)
-        if command[0] == "capture":
-            value = {key: item for key, item in value["counters"].items() if key not in ("egressAcl", "egressMtu")}
-            if '"total"' in json.dumps(value):
-                fail("a total is not the sum of its queues")
-        found = list(quads(value))
+def records(counters):
+    """Those with quads."""
+    return counters["ingress"] + [item for kind in ("egress", "egressTm", "egressLag") for item in counters[kind].values()]
+
+
+def check(command, output):
+    """The number of rows, each of which must keep the invariant."""
+    if command[0] == "capture":
+        counters = json.loads(output)["counters"]
+        assert not any("total" in record for record in records(counters)), "a total is not the sum of its queues"
+        found = list(quads(counters))
+    elif "json" in command:
+        found = list(quads(json.loads(output)))
     else:
-        found = [[int(count) for count in row] for row in ROW.findall(answer)]
-    for a, b, c, d in found:
-        if b != 64 * a % 2**64 or d != 64 * c % 2**64:
-            fail(f"{command}: a torn record: {a} {b} {c} {d}")
+        found = [[int(count) for count in row] for row in ROW.findall(output)]
+    for quad in found:
+        assert [quad[1], quad[3]] == [64 * quad[i] % 2**64 for i in (0, 2)], f"{command}: a torn record: {quad}"
     return len(found)
 
 
-def records(path):
-    """The updates of a region's interface records so far: half the sum of their sequence numbers."""
+def passes(path):
+    """How many times the writer has updated the first record of the first interface, and every other record."""
     with open(path, "rb") as file:
         region = file.read()
-    at, count = struct.unpack_from("=QQ", region, 40)
-    total = 0
-    for i in range(count):
-        _, _, sources, number, *egress = struct.unpack_from("=8Q", region, at + 64 * i)
-        places = [struct.unpack_from("=Q", region, sources + 16 * j)[0] for j in range(number)] + egress
-        total += sum(struct.unpack_from("=Q", region, place)[0] // 2 for place in places if place)
-    return total
+
+    def word(at):
+        return struct.unpack_from("=Q", region, at)[0]
+
+    interface = word(40)
+    source = word(interface + 16)
+    return word(word(source)) // 2
 
 
 def start(path, *more):
     if os.path.exists(path):
         os.unlink(path)
-    writer = subprocess.Popen([LOAMSIM, *WRITER, *more, state, path])
-    writers[:] = [writer]
+    writer = subprocess.Popen([LOAMSIM, "--speed", "1e6", "--period", "0", *more, os.path.dirname(path) + "/state", path])
     while not os.path.exists(path):
-        if writer.poll() is not None:
-            fail(f"the writer ended with {writer.returncode}")
+        assert writer.poll() is None, f"the writer ended with {writer.returncode}"
         time.sleep(0.001)
     return writer
 
@@ -108,56 +89,59 @@ def read(command, path):
     return subprocess.run([LOAMSHOW, "-s", path, *command], capture_output=True, text=True, timeout=60)
 
 
-def reader(number, path, end, answers):
-    rows, turn = 0, number
-    while time.monotonic() < end or turn < number + len(COMMANDS):
-        command = COMMANDS[turn % len(COMMANDS)]
+def reader(first, path, end):
+    """Runs every command at least once. The numbers of outputs and rows."""
+    turn = rows = 0
+    while time.monotonic() < end or turn < len(COMMANDS):
+        command = COMMANDS[(first + turn) % len(COMMANDS)]
         ran = read(command, path)
-        # `check` ends with 1, as the sample has a finding.
-        if ran.returncode != (1 if command[0] == "check" else 0) or ran.stderr:
-            fail(f"{command} ended with {ran.returncode}: {ran.stderr}")
-        rows += check(command, ran.stdout) if command[0] not in ("acl", "mtu", "debug", "check") else 0
+        ended = (ran.returncode, ran.stderr)
+        assert ended == (STATUS.get(command[0], 0), ""), f"{command} ended with {ended}"
+        rows += check(command, ran.stdout) if command[0] in HAVE_QUADS else 0
         turn += 1
-    answers.append((turn - number, rows))
+    return turn, rows
 
 
-with tempfile.TemporaryDirectory(dir="/dev/shm") as directory:
-    state, path = os.path.join(directory, "state.json"), os.path.join(directory, "region")
-    with open(STATE, encoding="utf-8") as file:
-        switch = json.load(file)
-    for kind in ("ingress", "egress", "egressTm", "egressLag"):
-        switch["counters"][kind] = even(switch["counters"][kind])
-    with open(state, "w", encoding="utf-8") as file:
-        json.dump(switch, file)
-
+def soak(path, count):
     writer = start(path)
-    begin, before = time.monotonic(), records(path)
-    answers = []
-    threads = [threading.Thread(target=reader, args=(7 * i, path, begin + SECONDS, answers)) for i in range(2)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    passed, updates = time.monotonic() - begin, records(path) - before
-    writer.send_signal(signal.SIGINT)
-    if writer.wait() != 0 or os.path.exists(path):
-        fail("the writer did not end with 0, or left its region")
-    print(f"{updates / passed / 1e6:.2f} million record updates per second next to 2 readers; "
-          f"{sum(a for a, _ in answers)} outputs with {sum(r for _, r in answers)} rows, all consistent")
+    try:
+        begin, before = time.monotonic(), passes(path)
+        with concurrent.futures.ThreadPoolExecutor() as pool:
+            readers = [pool.submit(reader, first, path, begin + SECONDS) for first in (0, 7)]
+        outputs, rows = (sum(numbers) for numbers in zip(*(running.result() for running in readers)))
+        updates = (passes(path) - before) * count / (time.monotonic() - begin)
+    finally:
+        writer.terminate()
+    assert writer.wait() == 0 and not os.path.exists(path), "the writer did not end as it should"
+    print(f"{updates / 1e6:.2f} million record updates per second beside 2 readers; {outputs} outputs with {rows} rows, all whole")
 
+
+def kill(path):
     unreadable, longest = 0, 0.0
     for i in range(KILLS):
         writer = start(path, "--seed", str(i))
         time.sleep(random.random() * 0.02)
         writer.kill()
         writer.wait()
-        command = random.choice(COMMANDS)
-        begin = time.monotonic()
+        command, begin = random.choice(COMMANDS), time.monotonic()
         ran = read(command, path)
         longest = max(longest, time.monotonic() - begin)
         if ran.returncode == 1 and "cannot be read: the writer stopped in the middle of the record" in ran.stderr:
             unreadable += 1
-        elif ran.returncode != (1 if command[0] == "check" else 0):
-            fail(f"{command} after a kill ended with {ran.returncode}: {ran.stderr}")
-    print(f"{KILLS} writers killed: {KILLS - unreadable} readers succeeded, {unreadable} named a record that cannot "
-          f"be read; the slowest took {longest:.2f} s")
+        else:
+            assert ran.returncode == STATUS.get(command[0], 0), f"{command} after a kill: {ran.returncode} {ran.stderr}"
+    print(f"{KILLS} writers killed: {KILLS - unreadable} readers succeeded, {unreadable} named a record that they could "
+          f"not read; the longest took {longest:.2f} s")
+
+
+with tempfile.TemporaryDirectory(dir="/dev/shm") as directory:
+    with open(STATE, encoding="utf-8") as file:
+        switch = json.load(file)
+    for quad in quads(switch["counters"]):
+        quad[:] = [count for i in (0, 2) for count in (quad[i] % 2**40, 64 * (quad[i] % 2**40))]
+    for record in records(switch["counters"]):
+        record.pop("total", None)
+    with open(directory + "/state", "w", encoding="utf-8") as file:
+        json.dump(switch, file)
+    soak(directory + "/region", len(records(switch["counters"])))
+    kill(directory + "/region")

@@ -8,6 +8,8 @@
 #include <csignal>
 #include <string_view>
 
+#include "loamshow/json/JsonWriter.h"
+#include "loamshow/state/Capture.h"
 #include "loamshow/state/StateFile.h"
 #include "loamshow/text/InputError.h"
 #include "platform/Keel.h"
@@ -69,6 +71,17 @@ SwitchState regionState(const std::string& name, int fd) {
   state.counters = Mote::make<RegionTables>(region);
   takeManagers(region, state.debugFaps);
   return state;
+}
+
+CounterRegionWriter publish(const SwitchState& state, const std::string& path) {
+  std::string description;
+  JsonWriter out(description, JsonWriter::Layout::oneLine);
+  captureDescription(state, out);
+  std::vector<DebugCounters> debug;
+  for (const DebugFap& fap : state.debugFaps) {
+    if (fap.manager != nullptr) debug.push_back({fap.name, fap.manager});
+  }
+  return {path, description, *state.counters, debug};
 }
 
 void surviveTruncatedRegions() {

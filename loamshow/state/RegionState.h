@@ -5,6 +5,7 @@
 #include <string>
 
 #include "loamshow/state/Switch.h"
+#include "platform/counteragent/RegionWriter.h"
 
 namespace loamshow {
 
@@ -15,6 +16,9 @@ bool isRegion(int fd);
 /// the caller keeps ownership of the descriptor. Throws InputError, and RegionException for a damaged region.
 /// Reading the counters may throw RegionException and RecordException.
 SwitchState regionState(const std::string& name, int fd);
+
+/// Publishes the switch in a region, which replaces the file `path`. Throws as the constructor does.
+LoamCounters::CounterRegionWriter publish(const SwitchState& state, const std::string& path);
 
 /// Installs a SIGBUS handler, so that a region truncated by another process causes an exception instead of
 /// ending this process. Call it once, before regions are read.

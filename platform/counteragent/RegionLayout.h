@@ -14,10 +14,10 @@
 //   texts                   names and the description: UTF-8, names without U+0000, no terminating zero
 //   records
 //
-// Only the header is at a fixed offset. Structures and records are aligned to 8 bytes, texts to 1. (Measured with
-// 8 to 128 bytes: a larger alignment of records makes neither readers nor writers faster.) Everything but the
-// records and the heartbeat is complete before the file gets its name, and never changes. A switch that changes
-// gets a new region, which replaces the old one by rename(2).
+// Only the header is at a fixed offset. Structures and records are aligned to 8 bytes, texts to 1. (Measured
+// with 8 to 128 bytes: a larger alignment of records makes neither readers nor writers faster.) Everything
+// but the records and the heartbeat is complete before the file gets its name, and never changes. A switch
+// that changes gets a new region, which replaces the old one by rename(2).
 //
 // The description is the JSON text of a state file without counts: without `counters`, and without the
 // snapshots of `debug`.

@@ -1,29 +1,43 @@
 #!/usr/bin/env bash
-# Installs a build, whose directory is the argument, unpacks its package, and uses both as a user would.
+# Installs a build, makes and unpacks its packages, uses both as a user would, and uninstalls. Arguments: the build directory
+# and the source directory.
 set -euo pipefail
 build=$1
+source=$2
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 cd "$root"
 unset LOAM_STATE
 fail() { echo "$*" >&2 && exit 1; }
+installation=$source/packaging/installation.sh
 
-cmake --install "$build" --prefix "$root/opt" >log
-cpack --config "$build/CPackConfig.cmake" -B "$root/package" >log 2>&1 || fail "$(cat log)"
-dpkg-deb -x package/*.deb deb
-diff <(cd opt && find . ! -type d | sort) <(cd deb/usr && find . ! -type d | sort)
+# An installation replaces an earlier one, here with a file that is no longer installed, and leaves other files alone.
+mkdir -p opt/bin opt/include
+touch opt/bin/other
+others=$(cd opt && find . | sort)
+"$installation" install "$root/opt" "$build" >log
+touch opt/share/doc/loamcounters/old.md
+echo share/doc/loamcounters/old.md >>opt/share/loamcounters/manifest
+"$installation" install "$root/opt" "$build" >log
+
+# The packages hold the same files, apart from Debian's own requirements.
+"$source/packaging/package.sh" "$build" package >log 2>&1 || fail "$(cat log)"
+for package in package/*.deb; do dpkg-deb -x "$package" deb; done
+diff <(cd opt && find . ! -type d ! -name manifest ! -name other | sed 's|/site-functions/|/vendor-completions/|; s|/man1/.*|&.gz|' | sort) \
+  <(cd deb/usr && find . ! -type d | grep -Ev '/(copyright|changelog.gz|loamcounters-dev|lintian/.*)$' | sort)
 ! grep -rlF "${build%/build/*}" opt deb || fail "installed files name the source or build directory"
 
-for prefix in opt deb/usr; do
-  cmp <("$prefix/bin/loamshow" queues --sample) <("$build/bin/loamshow" queues -s "$build/share/loamcounters/sample-switch.json")
-done
+sample() { "$1/bin/loamshow" queues --sample; }
+"$build/bin/loamshow" queues -s "$build/share/loamcounters/sample-switch.json" >log
+cmp <(sample opt) log
+cmp <(LD_LIBRARY_PATH=$(dirname deb/usr/lib/*/libloamplatform.so.1) sample deb/usr) log
 mv opt moved
 moved/bin/loamshow registry >log
 
 for header in moved/include/loamcounters/platform/*.h; do
   g++ -std=c++20 -fsyntax-only -Wall -Wextra -Werror -Imoved/include/loamcounters -include "$header" -x c++ /dev/null
 done
-cmake -S moved/share/doc/loamcounters/example -B host -DCMAKE_PREFIX_PATH="$root/moved" >log
+cmake -S moved/share/doc/loamcounters/examples -B host -DCMAKE_PREFIX_PATH="$root/moved" >log
 cmake --build host >log || fail "$(cat log)"
 rows=$(for i in {0..7}; do
   printf '%-26s %-7s %18u %18u %18u %18u\n' Et1 "TC$i" $((100 + i)) 6400 "$i" $((64 * i))
@@ -64,3 +78,10 @@ completed() {
 completed 'loamshow --sample acl po' 'Port-Channel1 Port-Channel2'
 completed 'loamshow --format=j' json
 LOAM_STATE=$man completed 'loamshow acl ' ''
+
+# Files that were added since are kept.
+touch moved/share/loamcounters/other
+"$installation" uninstall "$root/moved" >log
+! "$installation" uninstall "$root/moved" 2>log || fail 'removed twice'
+rm -r moved/share
+[ "$(cd moved && find . | sort)" = "$others" ] || fail "left by the removal: $(find moved)"

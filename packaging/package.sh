@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Debian packages of a build, and fails when lintian finds anything: package.sh BUILD DIRECTORY. DIRECTORY is made anew.
+# Makes the Debian packages of a build, and fails when lintian finds anything: package.sh BUILD DIRECTORY. Recreates DIRECTORY.
 set -euo pipefail
 debian=$(realpath "$(dirname "$0")/debian")
 build=$(realpath "$1")

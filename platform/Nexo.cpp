@@ -62,8 +62,8 @@ class IntfRecords {
   }
 
  private:
-  /// Names that differ in the last digit have buckets side by side: interfaces mostly come in that order, and
-  /// memory is what finding them waits for.
+  /// Names that differ in the last digit only have adjacent buckets: interfaces usually come in that order,
+  /// and memory access dominates the cost of a look-up.
   static std::size_t hashOf(std::string_view name) {
     return std::hash<std::string_view>()(name.substr(0, name.size() - 1)) +
            static_cast<unsigned char>(name.back());

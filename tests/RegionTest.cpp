@@ -34,7 +34,7 @@ Region::PtrConst mapped(const std::string& path) {
   return region;
 }
 
-/// A region of a switch, in a directory of its own.
+/// A region of a switch, in its own directory.
 struct Made {
   explicit Made(const SwitchState& state) : writer(loamshow::publish(state, path)) {}
   SwitchState read() const { return loamshow::Source(path).read(); }
@@ -165,7 +165,7 @@ struct Bytes {
   T& at(U64 offset) {
     return *static_cast<T*>(static_cast<void*>(&bytes[offset]));
   }
-  /// A part that takes a fraction of the region.
+  /// A part with a fraction of the region's size.
   RegionPart part(U64 divisor) const { return {sizeof(RegionHeader), bytes.size() / divisor}; }
   RegionHeader& header() { return at<RegionHeader>(0); }
   RegionInterface& intf(U64 i) { return (&at<RegionInterface>(header().interfaces.offset))[i]; }
@@ -289,7 +289,7 @@ TEST(Region, NamesARecordThatStaysHalfWritten) {
   }
   threads.clear();
   EXPECT_NO_THROW(tables.ingressTcCounter(fap3, LocalCoreId(0), intf1));
-  // A file that is overwritten mostly has another header, too: the error does not blame the writer then.
+  // Overwriting usually changes the header, too: the error is then about the region, not the writer.
   putWord(made.path, 0, 0);
   EXPECT_THAT(cases[3].first,
               ThrowsMessage<RegionException>("R: damaged counter region: overwritten while it was read"));

@@ -17,7 +17,8 @@ bool isRegion(int fd);
 /// Reading the counters may throw RegionException and RecordException.
 SwitchState regionState(const std::string& name, int fd);
 
-/// Publishes the switch in a region, which replaces the file `path`. Throws as the constructor does.
+/// Publishes the switch in a region, which replaces the file `path`. Throws the exceptions of
+/// CounterRegionWriter's constructor.
 LoamCounters::CounterRegionWriter publish(const SwitchState& state, const std::string& path);
 
 /// Installs a SIGBUS handler, so that a region truncated by another process causes an exception instead of

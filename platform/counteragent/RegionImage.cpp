@@ -66,7 +66,7 @@ RegionPart layInterfaces(Layout& layout, const RecordTables& counters) {
   for (const auto intf : counters.egressLagKeys()) intfOf(intf).entry.egressLag = region::egressLagWords;
   for (const auto intf : counters.egressAclKeys()) intfOf(intf).entry.egressAcl = region::egressAclWords;
 
-  // The records apart from what is read when the region is mapped, so that mapping touches few pages.
+  // The records follow the parts that are read when the region is mapped, so that mapping touches few pages.
   for (Intf& intf : intfs) {
     std::ranges::sort(intf.sources, {}, [](const RegionSource& at) { return std::pair(at.fap, at.core); });
     for (RegionSource& source : intf.sources) {

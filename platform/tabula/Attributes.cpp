@@ -69,7 +69,6 @@ AttrInfo::AttrInfo(std::string_view key, const Renderer& renderer) : knownFormat
   jsonKey_ += ",\"";
   appendEscaped(jsonKey_, key);
   jsonKey_ += "\":";
-  jsonKey_.append(writeSlack, '\0');
 }
 
 }  // namespace tabula

@@ -29,9 +29,8 @@ class AttrInfo {
   AttrInfo(const AttrInfo&) = delete;
   AttrInfo& operator=(const AttrInfo&) = delete;
 
-  /// The key as written in JSON after another member, with comma, quotes and colon. Up to writeSlack bytes
-  /// past its end are readable.
-  std::string_view jsonKey() const noexcept { return {jsonKey_.data(), jsonKey_.size() - writeSlack}; }
+  /// The key as written in JSON after another member, with comma, quotes and colon.
+  std::string_view jsonKey() const noexcept { return jsonKey_; }
 
  protected:
   AttrInfo(std::string_view key, const Renderer& renderer);

@@ -224,25 +224,32 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   return piece.size + std::max(columnWidth(piece, args), value);
 }
 
-/// Writes a number into a column of at least that width; returns the end of the column.
-[[gnu::always_inline]] inline char* writeNumberColumn(char* at, bool left, std::size_t width,
-                                                      const Arg& value) {
-  const bool negative = value.negative();
-  const U64 number = negative ? U64{0} - value.number() : value.number();
-  if (!left && width >= 16 && !negative && number < detail::tenTo16) [[likely]] {
-    writeBlanks(at, width - 16);
-    writeSixteenWide(at + width - 16, number);
-    return at + width;
+/// A number as text.
+class NumberText {
+ public:
+  explicit NumberText(const Arg& value) noexcept {
+    const bool negative = value.negative();
+    end_ = writeNumber(begin_, negative ? U64{0} - value.number() : value.number());
+    if (negative) *--begin_ = '-';
   }
-  const std::size_t size = digitCount(number) + (negative ? 1U : 0U);
-  const std::size_t column = std::max(width, size);
+  NumberText(const NumberText&) = delete;
+  NumberText& operator=(const NumberText&) = delete;
+
+  std::string_view view() const noexcept { return {begin_, end_}; }
+
+ private:
+  std::array<char, writeSlack + mostDigits> text_;
+  char* begin_ = text_.data() + writeSlack;
+  char* end_;
+};
+
+/// Writes a text into a column of at least that width; returns the end of the column. Fills the column with
+/// blanks and writes the text over them: a few wide stores, and no loop over blanks.
+[[gnu::always_inline]] inline char* writeTextColumn(char* at, bool left, std::size_t width,
+                                                    std::string_view text) {
+  const std::size_t column = std::max(width, text.size());
   writeBlanks(at, width);
-  char* digits = left ? at : at + column - size;
-  // The digits go to a copy first: one store may write more bytes than a narrow column has.
-  std::array<char, mostDigits + writeSlack> text;
-  writeNumber(text.data(), number);
-  if (negative) *digits++ = '-';
-  std::memcpy(digits, text.data(), size - (negative ? 1U : 0U));
+  copyShort(left ? at : at + column - text.size(), text.data(), text.size());
   return at + column;
 }
 
@@ -253,15 +260,15 @@ constexpr std::size_t pieceBound(const Piece& piece, const Arg* args) {
   at += piece.size;
   if (piece.conversion == 0) return at;
 
-  // Fills the column with blanks and writes the value over them: a few wide stores, and no loop over blanks.
   const std::size_t width = columnWidth(piece, args);
   const Arg& value = args[piece.widthIsArg ? 1 : 0];
-  if (piece.conversion != 's') return writeNumberColumn(at, piece.left, width, value);
-  const std::string_view text = columnText(piece, value);
-  const std::size_t column = std::max(width, text.size());
-  writeBlanks(at, width);
-  copyShort(piece.left ? at : at + column - text.size(), text.data(), text.size());
-  return at + column;
+  if (piece.conversion == 's') return writeTextColumn(at, piece.left, width, columnText(piece, value));
+  if (!piece.left && width >= 16 && !value.negative() && value.number() < detail::tenTo16) [[likely]] {
+    writeBlanks(at, width - 16);
+    writeSixteenWide(at + width - 16, value.number());
+    return at + width;
+  }
+  return writeTextColumn(at, piece.left, width, NumberText(value).view());
 }
 
 }  // namespace tabula

@@ -7,7 +7,7 @@ namespace {
 /// Not 0 if one of eight bytes needs escaping or checking in a JSON string: anything but printable ASCII
 /// without quotes and backslashes.
 U64 specialBytes(U64 word) {
-  constexpr U64 ones = detail::eachByte;
+  constexpr U64 ones = 0x0101010101010101;
   const auto zeroByte = [](U64 bytes) { return (bytes - ones) & ~bytes; };
   const U64 found =
       word | zeroByte(word ^ ('"' * ones)) | zeroByte(word ^ ('\\' * ones)) | ((word - ' ' * ones) & ~word);
@@ -37,14 +37,22 @@ bool isPlain(const char* text, std::size_t size) {
   return specialBytes(byte(0) | (byte(size / 2) << 8U) | (byte(size - 1) << 16U) | blanksAbove) == 0;
 }
 
-/// Writes a member's key, 16 bytes at a time. The key begins with a comma, which is left out for the first
-/// member.
-char* writeKey(char* at, const AttrInfo& attr, bool separate) {
-  const std::string_view key = attr.jsonKey().substr(separate ? 0 : 1);
-  for (std::size_t done = 0; done < key.size(); done += writeSlack) {
-    std::memcpy(at + done, key.data() + done, writeSlack);
+/// A member's key. It begins with a comma, which is left out for the first member.
+std::string_view keyOf(const AttrInfo& attr, bool separate) {
+  return attr.jsonKey().substr(separate ? 0 : 1);
+}
+
+/// Writes a member, its number first: writeNumber overwrites bytes before it, where the key goes.
+char* writeMember(char* at, std::string_view key, U64 number) {
+  if (key.size() >= writeSlack) [[likely]] {
+    char* const end = writeNumber(at + key.size(), number);
+    copyShort(at, key.data(), key.size());
+    return end;
   }
-  return at + key.size();
+  const NumberText text{Arg(number)};
+  copyShort(at, key.data(), key.size());
+  copyShort(at + key.size(), text.view().data(), text.view().size());
+  return at + key.size() + text.view().size();
 }
 
 }  // namespace
@@ -117,15 +125,8 @@ std::size_t Renderer::putWide(std::string_view format, const Piece& piece, const
   put(format.substr(piece.begin, piece.size));
   if (piece.conversion == 0) return piece.size;
   const Arg& value = args[piece.args() - 1];
-  std::array<char, mostDigits + 1 + writeSlack> digits{};
-  std::string_view text;
-  if (piece.conversion == 's') {
-    text = columnText(piece, value);
-  } else {
-    const Piece bare{.conversion = piece.conversion};
-    text = {digits.data(),
-            static_cast<std::size_t>(writePiece(digits.data(), {}, bare, &value) - digits.data())};
-  }
+  const NumberText number(value);
+  const std::string_view text = piece.conversion == 's' ? columnText(piece, value) : number.view();
   const std::size_t width = columnWidth(piece, args);
   const std::size_t blanks = width - std::min(width, text.size());
   if (!piece.left) putBlanks(blanks);
@@ -141,17 +142,20 @@ void Renderer::checkInsideObject() const {
 
 void Renderer::addNumbers(std::span<const NumberMember> members) {
   checkInsideObject();
-  std::size_t bound = 0;
-  for (const NumberMember& member : members) bound += member.attr->jsonKey().size() + mostDigits;
-  ensureRoom(bound);
-  const bool fits = bound <= room();  // no key is longer than the buffer
-  VANE_ASSERT(fits);
   // Local copies of cursor and flag: the compiler must assume that a store of a character changes the
   // members.
   char* at = at_;
   bool separate = separate_;
   for (const NumberMember& member : members) {
-    at = writeNumber(writeKey(at, *member.attr, separate), member.number);
+    const std::size_t bound = member.attr->jsonKey().size() + mostDigits;
+    if (bound > static_cast<std::size_t>(end_ - at)) [[unlikely]] {
+      at_ = at;
+      flushBuffer();
+      at = at_;
+      const bool fits = bound <= room();  // no key is longer than the buffer
+      VANE_ASSERT(fits);
+    }
+    at = writeMember(at, keyOf(*member.attr, separate), member.number);
     separate = true;
   }
   at_ = at;
@@ -163,8 +167,7 @@ void Renderer::addMember(const Arg& arg) {
   VANE_ASSERT(isDescriptor);
   if (arg.kind() == Arg::Kind::text) {
     checkInsideObject();
-    ensureRoom(arg.attr()->jsonKey().size());
-    at_ = writeKey(at_, *arg.attr(), separate_);
+    put(keyOf(*arg.attr(), separate_));
     separate_ = true;
     putString(arg.text());
   } else {
@@ -187,8 +190,7 @@ void Renderer::openEntry(const Attr32Info& key) {
   if (value.kind() == Arg::Kind::text) {
     openNamed(value.text(), Scope::entry);
   } else {
-    std::array<char, mostDigits + writeSlack> digits;
-    openNamed({digits.data(), writeNumber(digits.data(), value.number())}, Scope::entry);
+    openNamed(NumberText(value).view(), Scope::entry);
   }
 }
 

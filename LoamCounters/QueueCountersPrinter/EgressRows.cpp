@@ -34,8 +34,7 @@ struct Pass {
         continue;
       }
       tcCount += hasSharedPairs && ambiguous ? 2 : 1;
-      const Mote::String tcLabel =
-          trafficClassLabel(tc % trafficClasses, trafficClasses, trafficClasses, ambiguous);
+      const Mote::String& tcLabel = (ambiguous ? fapAmbiguousTcLabel : queueLabels).at(tc % trafficClasses);
       for (U32 destType = firstDestType; destType <= lastDestType; ++destType) {
         CounterQuad row{};
         if (destType == destTypeUnicast || !unicastOnly) {
@@ -95,13 +94,11 @@ void printEgressCounters(tabula::Printer& printer, U32 fmt, Nexo::IntfId intf, U
                          bool cpuQueue, const CounterQuad& row, QueueCountersAttrs& attrs) {
   const bool opens = cpuQueue || tc == 0;
   const bool closes = cpuQueue || lastTc == tcCount - 1;
-  const Mote::String destLabel = destTypeLabel(destType, fmt);
-  attrs.destTypeAttr.setValue(destLabel);
-
+  attrs.destTypeAttr.setValue(destTypeLabel(destType, fmt));
   attrs.intfAttr.setValue(intf.stringValue());
   if (opens) {
     if (destType == destTypeUnicast) printer.startDictEntry(attrs.intfAttr);
-    printer.startSubmodel(destLabel);
+    printer.startSubmodel(attrs.destTypeAttr.getArg().text());
     printer.startDict(cpuQueue ? "queues" : "trafficClasses");
   }
   attrs.queueAttr.setValue(cpuQueue ? "0" : tcLabel.view());
@@ -130,7 +127,7 @@ void printEgressCounters(tabula::Printer& printer, U32 fmt, Nexo::IntfId intf, U
     printer.endSubmodel();
     if (destType == destTypeMulticast) printer.endDictEntry();
   }
-  printer.ioflush();
+  printer.ioflush();  // a tail call, as nothing is left to destroy: each return from a write is mispredicted
 }
 
 void printIntfTcEgrCounters(tabula::Printer& printer, U32 fmt, U32 tc, const EgressTmCounter& counter,

@@ -7,6 +7,7 @@
 
 namespace LoamCounters {
 
+const std::vector<Mote::String> queueLabels = queueNamesByQueuesPerPort(trafficClasses, trafficClasses);
 const std::vector<Mote::String> fapAmbiguousTcLabel = {"TC0,4", "TC1,5", "TC2,6", "TC3,7"};
 const Mote::String allDpLabel = "DP0-3";
 

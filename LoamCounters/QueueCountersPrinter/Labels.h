@@ -15,6 +15,8 @@ inline constexpr U32 destTypeMulticast = 1;
 /// Traffic classes per port: the number of queues of an ordinary interface.
 inline constexpr U32 trafficClasses = 8;
 
+/// The queues of an ordinary interface: "TC0" to "TC7".
+extern const std::vector<Mote::String> queueLabels;
 /// Index i from 0 to 3: the label of the counter that traffic classes i and i + 4 share.
 extern const std::vector<Mote::String> fapAmbiguousTcLabel;
 /// The label of all four drop precedences.

@@ -1,14 +1,20 @@
 #pragma once
 
+// The groups of benchmarks.
+
+#include "bench/Table.h"
+
 namespace loambench {
 
-/// Rows rendered in memory, compared with other libraries that render the same.
-void addRows();
-/// Complete commands, compared with the time of their writes; growth, memory, start.
-void addCommands();
-/// Loading a state file, and a process that loads one, compared with a fast parser on the same text.
-void addLoading();
-/// A counter region, compared with a state file and with memory.
-void addRegions();
+/// Rows rendered into memory, against other libraries that render the same.
+void addRows(Measurements& all);
+/// Complete commands above the floor of their writes, against their rows rendered into memory.
+void addCommands(Measurements& all);
+/// How time and memory grow with the number of interfaces.
+void addSizes(Measurements& all);
+/// State files: loading one, and processes that load one.
+void addPrograms(Measurements& all);
+/// A counter region against a state file and against memory.
+void addRegions(Measurements& all);
 
 }  // namespace loambench

@@ -1,110 +1,56 @@
 #include "bench/Rounds.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <ctime>
 
 namespace loambench {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-struct Line {
-  std::string against;
-  std::string unit;
-  std::string target;
-};
-
-/// The lines of the table, by benchmark and figure.
-std::map<std::string, std::map<std::string, Line>>& lines() {
-  static std::map<std::string, std::map<std::string, Line>> lines;
-  return lines;
+double cpuTimeOfThisThread() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-void compare(benchmark::State& state, const std::string& what, const std::vector<Competitor>& competitors) {
-  std::vector<std::vector<double>> ratios(competitors.size());
-  for (const Competitor& competitor : competitors) competitor.run();  // warms up
-  std::size_t round = 0;
-  for (auto _ : state) {
-    std::vector<double> times(competitors.size());
-    for (std::size_t i = 0; i < competitors.size(); ++i) {
-      const std::size_t turn = (round + i) % competitors.size();
-      const Clock::time_point begin = Clock::now();
-      competitors[turn].run();
-      times[turn] = std::chrono::duration<double>(Clock::now() - begin).count();
-    }
-    for (std::size_t i = 0; i < times.size(); ++i) ratios[i].push_back(times[i] / times[0]);
-    state.SetIterationTime(times[0]);
-    ++round;
-  }
-  for (std::size_t i = 1; i < competitors.size(); ++i) {
-    const std::string figure = std::to_string(i);
-    lines()[what][figure] = {competitors[i].name + " / " + competitors[0].name, "x", competitors[i].target};
-    state.counters[figure] = median(ratios[i]);
-  }
-}
-
-/// One line per figure.
-class TableReporter : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context& /*context*/) override {
-    std::printf("%-48s %-34s %12s   %s\n", "what", "ratio", "figure", "target");
-    return true;
-  }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      const std::string what = run.run_name.function_name;
-      for (const auto& [figure, value] : run.counters) {
-        const Line& line = lines()[what][figure];
-        std::printf("%-48s %-34s %9.2f %-2s   %s\n", what.c_str(), line.against.c_str(), value.value,
-                    line.unit.c_str(), line.target.c_str());
-      }
-    }
-    std::fflush(stdout);
-  }
-};
 
 }  // namespace
 
-void addComparison(const std::string& what, int rounds, std::function<std::vector<Competitor>()> prepare) {
-  benchmark::RegisterBenchmark(
-      what.c_str(),
-      [what, prepare = std::move(prepare)](benchmark::State& state) { compare(state, what, prepare()); })
-      ->Iterations(rounds)
-      ->UseManualTime();
+Way here(std::function<void()> work) {
+  return [work = std::move(work)] {
+    const double begin = cpuTimeOfThisThread();
+    work();
+    return cpuTimeOfThisThread() - begin;
+  };
 }
 
-void addFigure(const std::string& what, const std::string& unit, const std::string& target,
-               std::function<double()> measure) {
-  lines()[what][unit] = {"", unit, target};
-  benchmark::RegisterBenchmark(what.c_str(), [unit, measure = std::move(measure)](benchmark::State& state) {
-    for (auto _ : state) state.counters[unit] = measure();
-  })->Iterations(1);
+std::vector<Times> inRounds(int rounds, const std::vector<Way>& ways) {
+  std::vector<Times> times(ways.size());
+  for (const Way& way : ways) way();  // warms up
+  for (int round = 0; round < rounds; ++round) {
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+      const std::size_t turn = (static_cast<std::size_t>(round) + i) % ways.size();
+      times[turn].push_back(ways[turn]());
+    }
+  }
+  return times;
 }
 
-int runAll(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  TableReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  benchmark::Shutdown();
-  return 0;
+double undisturbed(Times times) {
+  const auto place = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 10);
+  std::nth_element(times.begin(), place, times.end());
+  return *place;
 }
 
-void requireSame(const std::string& what, const std::string& ours, const std::string& theirs) {
-  if (ours == theirs) return;
-  const auto at = std::mismatch(ours.begin(), ours.end(), theirs.begin(), theirs.end()).first - ours.begin();
+double ratio(const Times& times, const Times& to) {
+  return undisturbed(times) / undisturbed(to);
+}
+
+void requireSame(const std::string& what, const std::string& expected, const std::string& bytes) {
+  if (expected == bytes) return;
+  const auto at =
+      std::mismatch(expected.begin(), expected.end(), bytes.begin(), bytes.end()).first - expected.begin();
   std::fprintf(stderr, "%s: the bytes differ at %td\n", what.c_str(), at);
   std::exit(1);  // NOLINT(concurrency-mt-unsafe): one thread
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// Benchmarks in rounds, and the table of their figures.
+// Measuring several ways to do the same work against each other. All times are CPU times, which other work on
+// the machine disturbs less than the time of day.
 
 #include <functional>
 #include <string>
@@ -8,27 +9,26 @@
 
 namespace loambench {
 
-/// One of several ways to do the same work.
-struct Competitor {
-  std::string name;
-  std::function<void()> run;
-  std::string target;  // target for its ratio to the first one, as the table shows it
-};
+/// Does its work once; returns the CPU time that it took, in seconds.
+using Way = std::function<double()>;
 
-/// Adds a benchmark of competitors, which `prepare` creates when the benchmark begins. Every competitor runs
-/// once per round, in an order that rotates from round to round, because the machine's speed may change for
-/// seconds. The figures are ratios to the time of the first competitor in the same round, as medians over the
-/// rounds.
-void addComparison(const std::string& what, int rounds, std::function<std::vector<Competitor>()> prepare);
+/// A way that works in this thread.
+Way here(std::function<void()> work);
 
-/// Adds a benchmark whose figure is the result of `measure`.
-void addFigure(const std::string& what, const std::string& unit, const std::string& target,
-               std::function<double()> measure);
+/// The times of one way in each round.
+using Times = std::vector<double>;
 
-/// Runs the benchmarks that the arguments select and prints one table of their figures.
-int runAll(int argc, char** argv);
+/// Runs every way once a round, in an order that rotates from round to round, because the machine's speed
+/// changes for seconds at a time. Returns the times of each way.
+std::vector<Times> inRounds(int rounds, const std::vector<Way>& ways);
 
-/// Ends the program if the outputs of two competitors differ.
-void requireSame(const std::string& what, const std::string& ours, const std::string& theirs);
+/// The time that a tenth of the rounds do not exceed: of rounds that nothing disturbed, and steadier than the
+/// least one.
+double undisturbed(Times times);
+/// How much longer one way takes than another.
+double ratio(const Times& times, const Times& to);
+
+/// Ends the program when two ways make different bytes.
+void requireSame(const std::string& what, const std::string& expected, const std::string& bytes);
 
 }  // namespace loambench

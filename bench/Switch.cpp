@@ -2,11 +2,12 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <map>
 #include <span>
-#include <thread>
 
 #include "bench/Values.h"
 #include "loamshow/state/Capture.h"
@@ -49,17 +50,6 @@ BusySwitch::BusySwitch(std::size_t interfaces, std::size_t coreCount) : intfs(in
     status->fapRevision.set(FapId(core.fap), {core.fap == queueModeFap ? 2U : 1U});
   }
   U64 n = 0;
-  const auto ingress = [&](Nexo::IntfId intf) {
-    for (const Core& core : cores) {
-      IngressTcCounter record;
-      for (U64 t = 0; t < 8; ++t) {
-        const IngressCounter counter{busyQuad(n++)};
-        record.queueIs(IngressCounterIndex(t), counter);
-        record.total += counter;
-      }
-      tables->ingressIs(FapId(core.fap), LocalCoreId(core.core), intf, record);
-    }
-  };
   for (std::size_t i = 0; i < interfaces; ++i) {
     const Nexo::IntfId intf(nameOf(i % ports));
     intfs->intfEnq(intf);
@@ -71,7 +61,6 @@ BusySwitch::BusySwitch(std::size_t interfaces, std::size_t coreCount) : intfs(in
     status->intfIdToSppid.set(intf, port);
     status->portMaps.set(port, {Hardware::Loam::FapPortId(1), FapId(core.fap), LocalCoreId(core.core)});
     tmMapping->portTmMap.set(port, true);
-    ingress(intf);
     EgressCounter egress;
     EgressTmCounter egressTm;
     for (U64 t = 0; t < 8; ++t) {
@@ -87,10 +76,23 @@ BusySwitch::BusySwitch(std::size_t interfaces, std::size_t coreCount) : intfs(in
   }
   // CoPP classes and CPU ports.
   status->coppClassNumVoqs = 8;
+  std::vector<Nexo::IntfId> counted = state.interfaces;
   for (U64 port = 2; port <= 56; ++port) {
     const Nexo::IntfId intf("CoppSystem" + std::to_string(port));
     status->sppidToIntfId.set(Hardware::Loam::SystemPhyPortId(port), intf);
-    ingress(intf);
+    counted.push_back(intf);
+  }
+  // In the order of a captured state file.
+  for (const Core& core : cores) {
+    for (const Nexo::IntfId intf : counted) {
+      IngressTcCounter record;
+      for (U64 t = 0; t < 8; ++t) {
+        const IngressCounter counter{busyQuad(n++)};
+        record.queueIs(IngressCounterIndex(t), counter);
+        record.total += counter;
+      }
+      tables->ingressIs(FapId(core.fap), LocalCoreId(core.core), intf, record);
+    }
   }
   state.counters = tables;
   const auto entityManager = Mote::make<Cortex::EntityManager>();
@@ -98,50 +100,53 @@ BusySwitch::BusySwitch(std::size_t interfaces, std::size_t coreCount) : intfs(in
   printer = countersPrinterFactory(status, tmMapping, nullptr, nullptr, nullptr, entityManager, false);
 }
 
-std::string busyStateFile(std::size_t interfaces, loamshow::JsonWriter::Layout layout) {
+std::string stateFile(const BusySwitch& of, loamshow::JsonWriter::Layout layout) {
   std::string text;
   loamshow::JsonWriter out(text, layout);
-  loamshow::capture(BusySwitch(interfaces, std::size(allCores)).state, out);
+  loamshow::capture(of.state, out);
   return text;
 }
 
 Answer command(const BusySwitch& on, const std::string& name, U32 format) {
-  const auto fdOf = [](int fd) { return static_cast<U32>(fd); };
-  if (name == "queues") {
-    return [&on, format, fdOf](int fd) {
-      on.printer->showInterfacesQueueCounters(fdOf(fd), format, on.intfs, false, false);
-    };
-  }
-  if (name == "ingress") {
-    return [&on, format, fdOf](int fd) {
-      on.printer->showInterfacesQueueIngressCounters(fdOf(fd), format, on.intfs, false, false);
-    };
-  }
-  if (name == "drops") {
-    return [&on, format, fdOf](int fd) {
-      on.printer->showInterfacesQueueDropsCounters(fdOf(fd), format, on.intfs);
-    };
-  }
-  return [&on, format, fdOf](int fd) { on.printer->showCpuQueueCounters(fdOf(fd), format, false, false); };
+  using Operation = void (*)(const BusySwitch&, U32 fd, U32 format);
+  static const std::map<std::string, Operation> operations = {
+      {"queues", [](const BusySwitch& of, U32 fd,
+                    U32 fmt) { of.printer->showInterfacesQueueCounters(fd, fmt, of.intfs, false, false); }},
+      {"ingress",
+       [](const BusySwitch& of, U32 fd, U32 fmt) {
+         of.printer->showInterfacesQueueIngressCounters(fd, fmt, of.intfs, false, false);
+       }},
+      {"drops", [](const BusySwitch& of, U32 fd,
+                   U32 fmt) { of.printer->showInterfacesQueueDropsCounters(fd, fmt, of.intfs); }},
+      {"cpu", [](const BusySwitch& of, U32 fd, U32 fmt) {
+         of.printer->showCpuQueueCounters(fd, fmt, false, false);
+       }}};
+  return
+      [&on, format, operation = operations.at(name)](int fd) { operation(on, static_cast<U32>(fd), format); };
 }
 
 Writes writesOf(const Answer& answer) {
-  // A message socket preserves the boundaries of writes.
+  // A socket of messages keeps apart what was written apart. A child answers, since a thread would make what
+  // is measured afterwards count its handles atomically, which the program need not do.
   int ends[2];
   constexpr int roomy = 1 << 20;
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) != 0) std::abort();
   ::setsockopt(ends[0], SOL_SOCKET, SO_SNDBUF, &roomy, sizeof roomy);
-  Writes writes;
-  std::thread reader([&] {
-    std::string message(std::size_t{128} * 1024, '\0');
-    for (ssize_t size = 0; (size = ::read(ends[1], message.data(), message.size())) > 0;) {
-      writes.emplace_back(message.data(), static_cast<std::size_t>(size));
-    }
-  });
-  answer(ends[0]);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::close(ends[1]);
+    answer(ends[0]);
+    ::_exit(0);
+  }
   ::close(ends[0]);
-  reader.join();
+  Writes writes;
+  std::string message(std::size_t{128} * 1024, '\0');
+  for (ssize_t size = 0; (size = ::read(ends[1], message.data(), message.size())) > 0;) {
+    writes.emplace_back(message.data(), static_cast<std::size_t>(size));
+  }
   ::close(ends[1]);
+  int status = 0;
+  if (::waitpid(child, &status, 0) != child || status != 0) std::abort();
   return writes;
 }
 
@@ -149,6 +154,11 @@ void writeAll(int fd, const Writes& writes) {
   for (const std::string& part : writes) {
     if (::write(fd, part.data(), part.size()) != static_cast<ssize_t>(part.size())) std::abort();
   }
+}
+
+int nullFd() {
+  static const int fd = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  return fd;
 }
 
 }  // namespace loambench

@@ -23,18 +23,21 @@ struct BusySwitch {
   LoamCounters::IntfList::Ptr intfs;
 };
 
-/// The same, with eight cores, as a state file.
-std::string busyStateFile(std::size_t interfaces, loamshow::JsonWriter::Layout layout);
+/// The state file of a switch.
+std::string stateFile(const BusySwitch& of, loamshow::JsonWriter::Layout layout);
 
-/// A call that writes its complete output to a descriptor.
+/// Writes a complete answer to a descriptor.
 using Answer = std::function<void(int fd)>;
 
-/// A call of the command on a switch, in format 1 or 2.
+/// What `loamshow NAME` makes of a switch that outlives it.
 Answer command(const BusySwitch& on, const std::string& name, U32 format);
 
 /// An output as a list of writes.
 using Writes = std::vector<std::string>;
 Writes writesOf(const Answer& answer);
 void writeAll(int fd, const Writes& writes);
+
+/// A descriptor of /dev/null, open as long as the process.
+int nullFd();
 
 }  // namespace loambench

@@ -22,13 +22,13 @@ std::string wholeRegion() {
   MemoryCounterTables& tables = *made;
   IngressTcCounter ingress;
   ingress.queueIs(IngressCounterIndex(1), {});
-  for (const U64 core : {0, 1}) tables.ingressIs(FapId(0), LocalCoreId(core), Nexo::IntfId("E1"), ingress);
+  for (const U64 core : {0U, 1U}) tables.ingressIs(FapId(0), LocalCoreId(core), Nexo::IntfId("E1"), ingress);
   tables.ingressIs(FapId(1), LocalCoreId(0), Nexo::IntfId("E2"), {});
   tables.egress.set(Nexo::IntfId("E1"), {});
   tables.egressTm.set(Nexo::IntfId("E2"), {});
   tables.egressLag.set(Nexo::IntfId("P"), {});
   tables.egressAcl.set(Nexo::IntfId("P"), {});
-  for (const U64 fap : {0, 1}) tables.egressMtu.set(FapId(fap), {});
+  for (const U64 fap : {0U, 1U}) tables.egressMtu.set(FapId(fap), {});
   const auto manager = Mote::make<Brim::Counters::MemoryShmemManager>();
   manager->values.set("now", std::vector<Brim::Counters::Counter>(3));
   manager->values.set("then", {});

@@ -44,6 +44,7 @@ rows=$(for i in {0..7}; do
 done)
 [ "$(host/loamhost | sed -n 5,12p)" = "$rows" ] || fail "the example host: $(host/loamhost)"
 
+[ "$(wc -l <moved/share/doc/loamcounters/examples/feeder.cpp)" -lt 60 ] || fail 'the feeder is no longer short'
 # The feeder's counts agree in every command: octets are 64 times packets, and totals are sums of queues.
 host/loamfeeder "$root/region" &
 feeder=$!
@@ -78,6 +79,11 @@ completed() {
 completed 'loamshow --sample acl po' 'Port-Channel1 Port-Channel2'
 completed 'loamshow --format=j' json
 LOAM_STATE=$man completed 'loamshow acl ' ''
+. moved/share/bash-completion/completions/loamsim
+_loamsim loamsim --s loamsim
+[ "${COMPREPLY[*]}" = '--speed --seed' ] || fail "loamsim --s becomes ${COMPREPLY[*]}"
+_loamsim loamsim --s --for
+[ "${#COMPREPLY[@]}" = 0 ] || fail "loamsim --for --s becomes ${COMPREPLY[*]}"
 
 # Files that were added since are kept.
 touch moved/share/loamcounters/other

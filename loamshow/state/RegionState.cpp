@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <string_view>
+#include <utility>
 
 #include "loamshow/json/JsonWriter.h"
 #include "loamshow/state/Capture.h"
@@ -63,7 +64,9 @@ bool isRegion(int fd) {
 
 SwitchState regionState(const std::string& name, int fd) {
   const auto region = Mote::make<Region>(fd, name);
-  SwitchState state = parseState(name, region->description());
+  JsonText description(region->description());
+  region->requireIntact();
+  SwitchState state = parseState(name, std::move(description));
   const nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
   state.takenAt = timeText(now);
   state.isLive = true;

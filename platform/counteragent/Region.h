@@ -50,10 +50,10 @@ class Region : public Mote::Node {
   /// One of the interface's ingress records, which are in ascending order of source.
   RegionSource source(const RegionInterface& intf, U64 number) const;
   /// The interface's ingress record of a FAP core; its `record` is 0 if there is none.
-  RegionSource sourceOf(const RegionInterface& intf, RecordTables::Source source) const;
+  RegionSource sourceOf(const RegionInterface& intf, RecordTables::Source wanted) const;
   U64 faps() const noexcept { return faps_.count; }
   RegionFap fap(U64 number) const;
-  RegionFap fapOf(FapId fap) const;
+  RegionFap fapOf(FapId wanted) const;
 
   struct Snapshot {
     Mote::String name;

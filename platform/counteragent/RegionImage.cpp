@@ -79,6 +79,7 @@ RegionPart layInterfaces(Layout& layout, const RecordTables& counters) {
   }
   for (Intf& intf : intfs) intf.entry.sources = layout.array(intf.sources);
   std::vector<RegionInterface> entries;
+  entries.reserve(intfs.size());
   for (Intf& intf : intfs) {
     intf.entry.name = layout.text(intf.id.stringValue());
     entries.push_back(intf.entry);

@@ -121,7 +121,7 @@ void Motion::move(Queues& queues, double seconds) {
 }
 
 /// Moves a count and returns the step: 0 for a count without value.
-U64 Motion::move(Count& count, U64 by) const {
+U64 Motion::move(Count& count, U64 by) {
   constexpr U64 most = ~U64{0} >> 1U;
   if (count.value.null()) return 0;
   count.value = Keel::MaybeU63(static_cast<std::int64_t>((count.value.value() + by) & most));

@@ -84,7 +84,7 @@ class Motion {
   double uneven();
   bool burst(double seconds);
   void move(Queues& queues, double seconds);
-  U64 move(Count& count, U64 by) const;
+  static U64 move(Count& count, U64 by);
   template <class Record>
   const Record& moved(Egress<Record>& egress, double seconds);
   void moveDebug(Debug& debug, double seconds, const LoamCounters::CounterRegionWriter& writer);

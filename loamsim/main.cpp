@@ -89,8 +89,9 @@ std::optional<Settings> settingsOf(int argc, char** argv) {
   constexpr double mostMs = 86'400'000;
   constexpr double mostSeconds = 1e9;
   if (speed) read("--speed", args::get(speed), "a number from 0 to 1e9", mostSpeed, settings.speed);
-  if (period)
+  if (period) {
     read("--period", args::get(period), "milliseconds from 0 to 86400000", mostMs, settings.periodMs);
+  }
   if (seed) read("--seed", args::get(seed), "an integer from 0", HUGE_VAL, settings.seed);
   if (seconds) read("--for", args::get(seconds), "seconds from 0 to 1e9", mostSeconds, settings.seconds);
   return settings;

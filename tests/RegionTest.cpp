@@ -323,10 +323,10 @@ TEST(Threads, ReadRecordsOfARegionWhole) {
   const auto tables = Mote::make<MemoryCounterTables>();
   const auto manager = Mote::make<Brim::Counters::MemoryShmemManager>();
   manager->values.set("now", std::vector<Counter>(1));
-  for (const U64 core : {0, 1}) tables->ingressIs(FapId(0), LocalCoreId(core), intf1, telling(0));
+  for (const U64 core : {0U, 1U}) tables->ingressIs(FapId(0), LocalCoreId(core), intf1, telling(0));
   const CounterRegionWriter writer(path, "", *tables, {{"F", manager}});
   std::vector<std::jthread> writing;
-  for (const U64 core : {0, 1}) {
+  for (const U64 core : {0U, 1U}) {
     writing.emplace_back([&, core](const std::stop_token& stop) {
       for (U64 i = 1; !stop.stop_requested(); ++i) {
         const Vane::Seconds time(static_cast<double>(i));

@@ -172,8 +172,9 @@ TemporaryDirectory::~TemporaryDirectory() {
 
 std::vector<std::string> TemporaryDirectory::names() const {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path_))
+  for (const auto& entry : std::filesystem::directory_iterator(path_)) {
     names.push_back(entry.path().filename());
+  }
   std::sort(names.begin(), names.end());
   return names;
 }

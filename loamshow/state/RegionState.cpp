@@ -26,8 +26,8 @@ using std::chrono::nanoseconds;
 /// A time as in a state file, in milliseconds.
 Mote::String timeText(nanoseconds sinceEpoch) {
   const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(sinceEpoch).count();
-  const auto wholeSeconds = static_cast<double>(milliseconds / 1000);
-  std::string text(Keel::utcTimestampString(Vane::Seconds(wholeSeconds)).view());
+  const auto seconds = milliseconds / 1000;
+  std::string text(Keel::utcTimestampString(Vane::Seconds(static_cast<double>(seconds))).view());
   text[text.find(' ')] = 'T';
   const std::string fraction = std::to_string(1000 + milliseconds % 1000);
   return text + '.' + fraction.substr(1) + 'Z';

@@ -91,6 +91,7 @@ RegionPart layFaps(Layout& layout, const RecordTables& counters) {
   std::vector<FapId> keys = counters.egressMtuKeys();
   std::sort(keys.begin(), keys.end());
   std::vector<RegionFap> faps;
+  faps.reserve(keys.size());
   for (const FapId fap : keys) faps.push_back({layout.records(region::egressMtuWords), fap.value()});
   return layout.array(faps);
 }

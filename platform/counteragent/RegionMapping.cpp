@@ -22,6 +22,7 @@ struct Place {
 };
 
 constexpr std::size_t mostMappings = 64;
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): for a signal handler
 constinit std::array<Place, mostMappings> places;
 
 Place& freePlace() {

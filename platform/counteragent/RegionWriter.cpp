@@ -34,7 +34,7 @@ class NewFile {
   }
 
   int fd() const noexcept { return fd_; }
-  void write(std::string_view bytes) {
+  void write(std::string_view bytes) const {
     while (!bytes.empty()) {
       const ssize_t written = ::write(fd_, bytes.data(), bytes.size());
       if (written < 0 && errno != EINTR) fail();

@@ -55,9 +55,15 @@ T Region::load(U64 offset) const {
   if (offset % alignment != 0 || !within(offset, sizeof(T), mapping_.size())) {
     damaged("invalid offset or size of a structure");
   }
+  const T loaded = copy<T>(offset);
+  if (mapping_.hasHole()) damaged("");
+  return loaded;
+}
+
+template <class T>
+T Region::copy(U64 offset) const noexcept {
   std::array<U64, sizeof(T) / sizeof(U64)> words;
   for (std::size_t i = 0; i < words.size(); ++i) words[i] = loadWord(mapping_.bytes(), offset + 8 * i);
-  if (mapping_.hasHole()) damaged("");
   return std::bit_cast<T>(words);
 }
 
@@ -163,9 +169,9 @@ void Region::checkInterfaces() {
     const auto intf = element<RegionInterface>(interfaces_, i);
     spend(intf.name.count);
     const Nexo::IntfId id(nameIn(intf.name));
-    intfs_.set(id, static_cast<U32>(i));
-    if (intfs_.size() != i + 1) damaged("a repeated interface");
     checkInterface(intf);
+    intfs_.set(id, {static_cast<U32>(i), static_cast<U32>(intf.sources.count), intf.sources.offset});
+    if (intfs_.size() != i + 1) damaged("a repeated interface");
   }
 }
 
@@ -174,7 +180,7 @@ void Region::checkInterface(const RegionInterface& intf) {
   spend(intf.sources.count * sizeof(RegionSource));
   std::optional<RecordTables::Source> last;
   for (U64 i = 0; i < intf.sources.count; ++i) {
-    const RegionSource entry = source(intf, i);
+    const RegionSource entry = source(intf.sources, i);
     if (entry.fap >= FapId::highest || entry.core > LocalCoreId::highest) damaged("an unknown FAP or core");
     const RecordTables::Source at{FapId(entry.fap), LocalCoreId(entry.core)};
     if (last && !(*last < at)) damaged("sources of an interface out of order");
@@ -187,33 +193,44 @@ void Region::checkInterface(const RegionInterface& intf) {
   recordIfAny(intf.egressAcl, region::egressAclWords);
 }
 
-RegionInterface Region::interfaceAt(U32 number) const {
-  return element<RegionInterface>(interfaces_, number);
+RegionInterface Region::interfaceAt(const Place& place) const {
+  return element<RegionInterface>(interfaces_, place.number);
 }
 
 RegionInterface Region::interface(Nexo::IntfId intf) const {
-  const U32* number = intfs_.find(intf);
-  return number == nullptr ? RegionInterface() : interfaceAt(*number);
+  const Place* found = intfs_.find(intf);
+  return found == nullptr ? RegionInterface() : interfaceAt(*found);
 }
 
-RegionSource Region::source(const RegionInterface& intf, U64 number) const {
-  const auto source = element<RegionSource>(intf.sources, number);
+RegionPart Region::sources(Nexo::IntfId intf) const {
+  const Place* found = intfs_.find(intf);
+  return found == nullptr ? RegionPart() : RegionPart{found->firstSource, found->sources};
+}
+
+RegionSource Region::source(RegionPart sources, U64 number) const {
+  return checked(element<RegionSource>(sources, number));
+}
+
+RegionSource Region::checked(const RegionSource& source) const {
   if (source.queues > IngressTcCounter::capacity) damaged("a record with too many queues");
   return source;
 }
 
-RegionSource Region::sourceOf(const RegionInterface& intf, RecordTables::Source wanted) const {
-  U64 begin = 0;
-  for (U64 end = intf.sources.count; begin < end;) {
-    const U64 middle = begin + (end - begin) / 2;
-    const RegionSource found = source(intf, middle);
-    const auto order =
-        std::pair(found.fap, U16{found.core}) <=> std::pair(wanted.fapId.value(), wanted.coreId.value());
-    if (order == 0) return found;
-    if (order < 0) {
-      begin = middle + 1;
+RegionSource Region::sourceOf(RegionPart sources, RecordTables::Source wanted) const {
+  requireArray(sources, sizeof(RegionSource), "invalid offset or size of an interface's sources");
+  const auto keyOf = [](U64 fap, U64 core) { return fap << 8U | core; };
+  const U64 key = keyOf(wanted.fapId.value(), wanted.coreId.value());
+  U64 begin = sources.offset;
+  for (U64 count = sources.count; count > 0;) {
+    const U64 half = count / 2;
+    const auto found = copy<RegionSource>(begin + half * sizeof(RegionSource));
+    const U64 at = keyOf(found.fap, found.core);
+    if (at == key) return checked(found);
+    if (at < key) {
+      begin += (half + 1) * sizeof(RegionSource);
+      count -= half + 1;
     } else {
-      end = middle;
+      count = half;
     }
   }
   return {};

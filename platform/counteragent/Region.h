@@ -42,15 +42,22 @@ class Region : public Mote::Node {
   void requireIntact() const;
   bool hasHole() const noexcept { return mapping_.hasHole(); }
 
-  /// The interfaces that have records, each with its index.
+  /// Where an interface is in the directory, and its sources.
+  struct Place {
+    U32 number;
+    U32 sources;
+    U64 firstSource;  // offset
+  };
+  /// The interfaces that have records.
   const auto& interfaces() const noexcept { return intfs_; }
   /// The entry of an interface; one without records if there is none.
   RegionInterface interface(Nexo::IntfId intf) const;
-  RegionInterface interfaceAt(U32 number) const;
-  /// One of the interface's ingress records, which are in ascending order of source.
-  RegionSource source(const RegionInterface& intf, U64 number) const;
-  /// The interface's ingress record of a FAP core; its `record` is 0 if there is none.
-  RegionSource sourceOf(const RegionInterface& intf, RecordTables::Source wanted) const;
+  RegionInterface interfaceAt(const Place& place) const;
+  /// The ingress records of an interface, in ascending order of source.
+  RegionPart sources(Nexo::IntfId intf) const;
+  RegionSource source(RegionPart sources, U64 number) const;
+  /// The ingress record of a FAP core; its `record` is 0 if there is none.
+  RegionSource sourceOf(RegionPart sources, RecordTables::Source wanted) const;
   U64 faps() const noexcept { return faps_.count; }
   RegionFap fap(U64 number) const;
   RegionFap fapOf(FapId wanted) const;
@@ -76,8 +83,12 @@ class Region : public Mote::Node {
   /// Copies a structure, so that the checked value is the one used.
   template <class T>
   T load(U64 offset) const;
+  /// The same without a check, of an array that has been checked.
+  template <class T>
+  T copy(U64 offset) const noexcept;
   template <class T>
   T element(RegionPart part, U64 number) const;
+  RegionSource checked(const RegionSource& source) const;
   void requireArray(RegionPart part, U64 stride, const char* what) const;
   void requireText(RegionPart part) const;
   std::string nameIn(RegionPart part) const;
@@ -97,7 +108,7 @@ class Region : public Mote::Node {
   RegionPart faps_{};
   RegionPart managers_{};
   U64 spent_ = 0;
-  Vane::DenseMap<Nexo::IntfId, U32, Vane::Hash> intfs_;
+  Vane::DenseMap<Nexo::IntfId, Place, Vane::Hash> intfs_;
 };
 
 }  // namespace LoamCounters

@@ -77,14 +77,14 @@ IngressTcCounter RegionTables::ingressRecord(const RegionSource& source, Nexo::I
 }
 
 IngressTcCounter RegionTables::ingressTcCounter(FapId fap, LocalCoreId core, Nexo::IntfId intf) const {
-  const RegionInterface entry = region_->interface(intf);
+  const RegionPart sources = region_->sources(intf);
   if (!isSum(fap, core)) {
-    const RegionSource source = region_->sourceOf(entry, {fap, core});
+    const RegionSource source = region_->sourceOf(sources, {fap, core});
     return source.record == 0 ? IngressTcCounter() : ingressRecord(source, intf);
   }
   IngressTcCounter sum;
-  for (U64 i = 0; i < entry.sources.count; ++i) {
-    sum += ingressRecord(region_->source(entry, i), intf);
+  for (U64 i = 0; i < sources.count; ++i) {
+    sum += ingressRecord(region_->source(sources, i), intf);
   }
   return sum;
 }
@@ -101,13 +101,13 @@ IngressCounter RegionTables::queueOf(const RegionSource& source, Nexo::IntfId in
 
 IngressCounter RegionTables::ingressCounter(const IngressCounterKey& key) const {
   const U64 queue = IngressCounterIndex(key.trafficClass).value();
-  const RegionInterface entry = region_->interface(key.intfId);
+  const RegionPart sources = region_->sources(key.intfId);
   if (!isSum(key.fapId, key.coreId)) {
-    return queueOf(region_->sourceOf(entry, {key.fapId, key.coreId}), key.intfId, queue);
+    return queueOf(region_->sourceOf(sources, {key.fapId, key.coreId}), key.intfId, queue);
   }
   IngressCounter sum{};
-  for (U64 i = 0; i < entry.sources.count; ++i) {
-    sum += queueOf(region_->source(entry, i), key.intfId, queue);
+  for (U64 i = 0; i < sources.count; ++i) {
+    sum += queueOf(region_->source(sources, i), key.intfId, queue);
   }
   return sum;
 }
@@ -185,9 +185,9 @@ Keel::MaybeU63 RegionTables::egressMtuTotalCounter(FapId fap) const {
 std::vector<RecordTables::IngressKey> RegionTables::ingressKeys() const {
   std::vector<std::pair<U32, IngressKey>> placed;
   for (const auto& [intf, at] : region_->interfaces()) {
-    const RegionInterface entry = region_->interfaceAt(at);
-    for (U64 i = 0; i < entry.sources.count; ++i) {
-      const RegionSource source = region_->source(entry, i);
+    const RegionPart sources = region_->interfaceAt(at).sources;
+    for (U64 i = 0; i < sources.count; ++i) {
+      const RegionSource source = region_->source(sources, i);
       placed.emplace_back(source.place, IngressKey{{FapId(source.fap), LocalCoreId(source.core)}, intf});
     }
   }
@@ -201,9 +201,9 @@ std::vector<RecordTables::IngressKey> RegionTables::ingressKeys() const {
 
 std::vector<RecordTables::Source> RegionTables::ingressSources(Nexo::IntfId intf) const {
   std::vector<Source> sources;
-  const RegionInterface entry = region_->interface(intf);
-  for (U64 i = 0; i < entry.sources.count; ++i) {
-    const RegionSource source = region_->source(entry, i);
+  const RegionPart records = region_->sources(intf);
+  for (U64 i = 0; i < records.count; ++i) {
+    const RegionSource source = region_->source(records, i);
     sources.push_back({FapId(source.fap), LocalCoreId(source.core)});
   }
   return sources;

@@ -137,7 +137,7 @@ void CounterRegionWriter::alive() const noexcept {
 
 bool CounterRegionWriter::ingressIs(FapId fap, LocalCoreId core, Nexo::IntfId intf,
                                     const IngressTcCounter& counter) const {
-  const RegionSource source = region_->sourceOf(region_->interface(intf), {fap, core});
+  const RegionSource source = region_->sourceOf(region_->sources(intf), {fap, core});
   const std::span<const IngressCounter> queues = counter.queues();
   if (queues.size() > source.queues) return false;
   return write(region_->recordIfAny(source.record, region::ingressWords(source.queues)), [&](U64* words) {

@@ -13,23 +13,23 @@ namespace loamshow {
 /// The contents of the command line.
 struct CommandLine {
   std::string command;
-  std::optional<std::string> state;
-  bool sample = false;
-  std::optional<std::string> plugin;
-  U32 format = tabula::formatText;  // output format: text or JSON
   std::vector<std::string> interfaces;
+  std::optional<std::string> state;
+  std::optional<std::string> plugin;
+  std::optional<std::string> snapshot;
+  std::optional<std::string> block;
+  std::optional<std::string> since;
+  std::optional<double> every;      // seconds
+  std::optional<U64> count;         // number of outputs
+  std::size_t most = 10;            // rows of `top`; 0: all
+  U32 format = tabula::formatText;  // output format: text or JSON
+  bool byOctets = false;            // `top` ranks by octets instead of packets
+  bool sample = false;
   bool internal = false;
   bool detail = false;
   bool summary = false;
   bool perPort = false;
-  std::optional<std::string> snapshot;
   bool drops = false;
-  std::optional<std::string> block;
-  std::size_t most = 10;  // rows of `top`; 0: all
-  bool byOctets = false;  // `top` ranks by octets instead of packets
-  std::optional<std::string> since;
-  std::optional<double> every;  // seconds
-  std::optional<U64> count;     // number of outputs
   bool help = false;
   bool version = false;
 

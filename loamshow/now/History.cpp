@@ -23,8 +23,9 @@ Shown History::advance(SwitchState now) {
       throw InputError(at + "name: expected " + printable(expected) + ", not " + printable(actual));
     }
     // Without takenAt, the times are those of reading, which do not tell when the file was written.
-    if (!before_->isFile || shown.moment.isOfState())
+    if (!before_->isFile || shown.moment.isOfState()) {
       shown.seconds = shown.moment.secondsSince(before_->moment);
+    }
     if (shown.seconds.value_or(0) < 0) {
       throw InputError(at + "takenAt: expected a time " +
                        (before_->isFile

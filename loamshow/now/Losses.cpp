@@ -1,6 +1,7 @@
 #include "loamshow/now/Losses.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace loamshow {
 
@@ -47,10 +48,9 @@ LossName Losses::name(std::string_view text) {
 }
 
 bool Losses::hasNearby(const Loss& loss) const {
-  for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
-    if (row->interface != loss.interface || row->kind != loss.kind || row->source != loss.source)
-      return false;
-    if (*row == loss) return true;
+  for (const Loss& row : std::views::reverse(rows_)) {
+    if (row == loss) return true;
+    if (row.interface != loss.interface || row.kind != loss.kind || row.source != loss.source) break;
   }
   return false;
 }

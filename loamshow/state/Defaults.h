@@ -2,7 +2,9 @@
 
 // Determines which parts of a state file need not be written, because a missing part reads the same.
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -55,7 +57,7 @@ inline bool isDefault(const LoamCounters::CounterQuad& quad) {
   return quad == LoamCounters::CounterQuad();
 }
 inline bool isDefault(const std::array<bool, 4>& flags) {
-  return flags == std::array<bool, 4>();
+  return std::ranges::none_of(flags, std::identity());
 }
 template <class T>
 bool isDefault(const Vane::Optional<T>& value) {

@@ -13,6 +13,7 @@ namespace tabula {
 namespace {
 
 // Whether the operation that this thread ran last was interrupted.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 thread_local bool interrupted = false;
 
 bool writable(int fd, int milliseconds) {

@@ -9,7 +9,16 @@ namespace {
 constexpr U32 countsPerQuad = 4;
 constexpr U32 destTypes = 2;
 
-/// The rows of one pass over an interface's destination types.
+/// The rows of one pass over an interface's destination types. A record has these quads of counts (U unicast,
+/// M multicast, with the number of the traffic class):
+///
+///   EgressCounter      U0    U1    ...  U7
+///   EgressTmCounter    U0 M0 U1 M1 ...  U7 M7
+///   EgressLagCounter   U0 M0 U1 M1 ...  U7 M7, then likewise the shared pairs 0,4 to 3,7
+///
+/// Text shows both destination types in one pass: all quads in their order. JSON has a pass for each, which
+/// reads every other quad (all quads of an EgressCounter). If classes t and t + 4 of an EgressTmCounter share
+/// a counter, it is in the quads of t, and those of t + 4 are skipped.
 struct Pass {
   Nexo::IntfId intf;
   tabula::Printer& printer;
@@ -30,7 +39,7 @@ struct Pass {
     for (U32 tc = 0; tc <= lastTc; ++tc) {
       const bool ambiguous = isAmbiguous(record, tc);
       if (hasSharedPairs && ambiguous && tc > 3) {
-        index += countsPerQuad * Hardware::Loam::countersPerEntryForQueueEgress();
+        index += U64{countsPerQuad} * Hardware::Loam::countersPerEntryForQueueEgress();
         continue;
       }
       tcCount += hasSharedPairs && ambiguous ? 2 : 1;

@@ -1,17 +1,15 @@
 #include "loamshow/commands/RegistryReport.h"
 
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
 #include <vector>
 
+#include "loamshow/json/JsonWriter.h"
 #include "platform/Vane.h"
 
 namespace loamshow {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::pair<U16, const char*> flagNames[] = {
     {Vane::flagValue, "value"},
@@ -37,34 +35,61 @@ bool takesArguments(const Vane::AttributeDescriptor& attribute) {
   return (attribute.flags & (Vane::flagOperation | Vane::flagInstantiating)) != 0;
 }
 
-Json parameters(const Vane::Parameters& parameters) {
-  Json list = Json::array();
+void write(JsonWriter& out, const Vane::Parameters& parameters) {
+  out.beginArray();
   for (const Vane::Parameter& parameter : parameters.all()) {
-    list.push_back({{"name", parameter.name}, {"type", parameter.type}});
+    out.beginObject();
+    out.member("name", parameter.name);
+    out.member("type", parameter.type);
+    out.endObject();
   }
-  return list;
+  out.endArray();
 }
 
-Json typeJson(const Vane::TypeDescriptor& type, std::size_t index) {
-  Json json{{"name", type.name}, {"index", index}, {"kind", type.isEnumeration() ? "enumeration" : "entity"}};
+void writeAttribute(JsonWriter& out, const Vane::AttributeDescriptor& attribute, U32 number) {
+  out.beginObject();
+  out.member("number", number);
+  out.member("name", attribute.name);
+  out.member("type", attribute.type);
+  out.key("flags");
+  out.beginArray();
+  for (const std::string& flag : namesOf(attribute.flags)) out.value(flag);
+  out.endArray();
+  if (takesArguments(attribute)) {
+    out.key("parameters");
+    write(out, attribute.parameters);
+  }
+  out.endObject();
+}
+
+void writeType(JsonWriter& out, const Vane::TypeDescriptor& type, std::size_t index) {
+  out.beginObject();
+  out.member("name", type.name);
+  out.member("index", index);
+  out.member("kind", type.isEnumeration() ? "enumeration" : "entity");
   if (type.isEnumeration()) {
+    out.key("values");
+    out.beginArray();
     for (std::size_t value = 0; value < type.values.size(); ++value) {
-      json["values"].push_back({{"value", value}, {"name", type.values[value]}});
+      out.beginObject();
+      out.member("value", value);
+      out.member("name", type.values[value]);
+      out.endObject();
     }
-    return json;
+  } else {
+    if (type.constructor.count > 0) {
+      out.key("constructor");
+      write(out, type.constructor);
+    }
+    out.key("attributes");
+    out.beginArray();
+    U32 number = type.firstNumber;
+    for (const Vane::AttributeDescriptor& attribute : type.attributes) {
+      writeAttribute(out, attribute, number++);
+    }
   }
-  if (type.constructor.count > 0) json["constructor"] = parameters(type.constructor);
-  json["attributes"] = Json::array();
-  U32 number = type.firstNumber;
-  for (const Vane::AttributeDescriptor& attribute : type.attributes) {
-    Json entry{{"number", number++},
-               {"name", attribute.name},
-               {"type", attribute.type},
-               {"flags", namesOf(attribute.flags)}};
-    if (takesArguments(attribute)) entry["parameters"] = parameters(attribute.parameters);
-    json["attributes"].push_back(std::move(entry));
-  }
-  return json;
+  out.endArray();
+  out.endObject();
 }
 
 void list(std::ostream& out, const Vane::Parameters& parameters) {
@@ -112,15 +137,29 @@ std::string registryListing() {
 }
 
 std::string registryJson() {
-  Json modules = Json::array();
+  std::string text;
+  JsonWriter out(text, JsonWriter::Layout::indented);
+  out.beginObject();
+  out.key("modules");
+  out.beginArray();
   for (const Vane::ModuleDescriptor* module : Vane::modules()) {
-    Json entry{
-        {"unit", module->unit}, {"symbol", module->symbol}, {"uses", module->uses}, {"types", Json::array()}};
+    out.beginObject();
+    out.member("unit", module->unit);
+    out.member("symbol", module->symbol);
+    out.key("uses");
+    out.beginArray();
+    for (const std::string_view used : module->uses) out.value(used);
+    out.endArray();
+    out.key("types");
+    out.beginArray();
     std::size_t index = 0;
-    for (const Vane::TypeDescriptor& type : module->types) entry["types"].push_back(typeJson(type, index++));
-    modules.push_back(std::move(entry));
+    for (const Vane::TypeDescriptor& type : module->types) writeType(out, type, index++);
+    out.endArray();
+    out.endObject();
   }
-  return Json{{"modules", std::move(modules)}}.dump(2) + "\n";
+  out.endArray();
+  out.endObject();
+  return text;
 }
 
 }  // namespace loamshow

@@ -64,6 +64,19 @@ Ran run(const std::vector<std::string>& arguments) {
   return {status, out.content(), err.content()};
 }
 
+bool becomesTrue(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+bool awaitText(const MemoryFile& file, const std::string& text) {
+  return becomesTrue([&] { return file.content().find(text) != std::string::npos; });
+}
+
 std::string drained(int fd) {
   std::string content;
   std::array<char, 1000> part{};

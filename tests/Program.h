@@ -3,10 +3,12 @@
 // Real programs in tests.
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/Mote.h"
+#include "tests/Support.h"
 
 namespace loamtest {
 
@@ -37,6 +39,11 @@ struct Ran {
 };
 
 Ran run(const std::vector<std::string>& arguments);
+
+/// Tries a condition again and again; false if it stays false for as long as `patience`.
+bool becomesTrue(const std::function<bool()>& condition);
+/// Waits until a file contains a text; false if it does not get it.
+bool awaitText(const MemoryFile& file, const std::string& text);
 
 /// Reads until the last writer has closed the other end, or nothing more arrives.
 std::string drained(int fd);

@@ -1,7 +1,6 @@
 #include "loamshow/now/Losses.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace loamshow {
 
@@ -48,7 +47,8 @@ LossName Losses::name(std::string_view text) {
 }
 
 bool Losses::hasNearby(const Loss& loss) const {
-  for (const Loss& row : std::views::reverse(rows_)) {
+  for (std::size_t i = rows_.size(); i > 0; --i) {
+    const Loss& row = rows_[i - 1];
     if (row == loss) return true;
     if (row.interface != loss.interface || row.kind != loss.kind || row.source != loss.source) break;
   }

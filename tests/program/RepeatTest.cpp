@@ -79,21 +79,13 @@ Json nextLoss(int fd) {
   }
 }
 
-bool awaitText(const MemoryFile& file, const std::string& text) {
-  for (int i = 0; i < 2000 && file.content().find(text) == std::string::npos; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return file.content().find(text) != std::string::npos;
-}
-
 /// Waits until a program sleeps, as it does between two turns.
 void awaitSleep(const Program& program) {
-  for (int i = 0; i < 2000; ++i) {
+  becomesTrue([&] {
     std::ifstream file("/proc/" + std::to_string(program.pid()) + "/stat");
     const std::string stat{std::istreambuf_iterator<char>(file), {}};
-    if (stat.find(") S ") != std::string::npos) return;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
+    return stat.find(") S ") != std::string::npos;
+  });
 }
 
 TEST(Repeat, EachAnswerCountsFromTheOneBeforeWhateverHappensToTheSource) {

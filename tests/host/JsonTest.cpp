@@ -42,7 +42,7 @@ std::string readMember(JsonValue object) {
 std::string readDocument(const std::string& text) {
   try {
     JsonReader reader("x", JsonText(text));
-    const std::string read = readMember(reader.root());
+    std::string read = readMember(reader.root());
     reader.finish();
     return read;
   } catch (const InputError& error) {

@@ -93,7 +93,8 @@ TEST(QueueDrops, LeavesOutInterfacesWithoutDrops) {
   EXPECT_THAT(shown("egress", "Ethernet3"), testing::IsEmpty())
       << "a record of the other mode does not count";
   EXPECT_THAT(shown("egressTm", "Ethernet3"), testing::ElementsAre("Ethernet3"));
-  EXPECT_THAT(shown("ingress", 0), testing::ElementsAre("Ethernet1")) << "in the first of its three sources";
+  EXPECT_THAT(shown("ingress", std::size_t{0}), testing::ElementsAre("Ethernet1"))
+      << "in the first of its three sources";
 }
 
 TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {

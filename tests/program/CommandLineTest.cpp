@@ -146,7 +146,7 @@ TEST(CommandLine, EchoesWordsMaskedAndShortened) {
     if (arguments.front().empty()) arguments.clear();
     const auto echo = [&](const std::string& word) {
       arguments.push_back(word);
-      const std::string err = run(arguments).err;
+      std::string err = run(arguments).err;
       arguments.pop_back();
       return err;
     };
@@ -156,7 +156,7 @@ TEST(CommandLine, EchoesWordsMaskedAndShortened) {
   }
   const auto traced = [](const std::string& path) {
     ::setenv("LOAM_TRACE", path.c_str(), 1);
-    const std::string err = run({"--sample", "debug"}).err;
+    std::string err = run({"--sample", "debug"}).err;
     ::unsetenv("LOAM_TRACE");
     return err;
   };
@@ -182,7 +182,7 @@ TEST(CommandLine, FindsTheSwitch) {
     std::vector<std::string> arguments = options;
     arguments.emplace_back("acl");
     ::setenv("LOAM_TEST_STATE", environment, 1);
-    const Ran ran = run(arguments);
+    Ran ran = run(arguments);
     ::unsetenv("LOAM_TEST_STATE");
     return ran;
   };

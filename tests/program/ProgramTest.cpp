@@ -24,7 +24,6 @@ namespace loamtest {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 TEST(Program, ReportsFindingsInBothFormats) {
   const MemoryFile clean("{}");

@@ -21,8 +21,8 @@ class RegionException : public Vane::Exception {
 };
 
 /// The directory of a mapped region. Every offset, count and name is checked by the constructor. Look-ups
-/// read the directory again instead of keeping a copy, and validate what they read, because another process
-/// may overwrite the file.
+/// keep the place of each interface and of its sources, read everything else again, and validate what they
+/// read, because another process may overwrite the file.
 class Region : public Mote::Node {
  public:
   using Ptr = Mote::Ptr<Region>;

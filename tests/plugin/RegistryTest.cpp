@@ -19,19 +19,13 @@ namespace {
 
 using namespace LoamCounters;
 using testing::ElementsAre;
+using testing::ThrowsMessage;
 using Vane::OpCode;
 using Vane::OpStatus;
 using Vane::Value;
 
-std::vector<Value> printerArguments(bool skeinMountMode) {
-  return {Mote::make<Hardware::Loam::Status>(),
-          Mote::make<LoamTm::TmMapping>(),
-          Mote::make<Hardware::Loam::InternalLagClientStatus>(),
-          Mote::make<TrafficClassMapping>(),
-          Mote::make<Hardware::Loam::CounterEngineStatus>(),
-          Mote::make<Cortex::EntityManager>(),
-          skeinMountMode};
-}
+/// A null handle, which stands for an object of any type.
+const Value none = Mote::Ptr<const Mote::Node>();
 
 Mote::Ptr<Mote::Node> make(std::string_view type, const std::vector<Value>& arguments = {}) {
   return Vane::findType(type)->instance(arguments);
@@ -67,31 +61,27 @@ TEST(Registry, HoldsWhatCallersRelyOn) {
   EXPECT_EQ(sorted(leaves, " "), sorted(listing, "[(),]|: |Module |symbol |uses "));
 }
 
+Mote::Ptr<Mote::Node> makePrinter() {
+  return make("LoamCounters::CountersPrinter", {none, none, none, none, none, none, false});
+}
+
 // For each kind of attribute the valid op codes, with well-formed arguments.
 TEST(Registry, AnswersAStatusForEveryOpCode) {
   const auto list = make("LoamCounters::IntfList");
   const auto lists = make("LoamCounters::AllIntfList");
-  const auto containers = make("LoamCounters::InterfaceTcContainer");
-  const auto printer = make("LoamCounters::CountersPrinter", printerArguments(true));
-  const std::vector<Value> sources = printerArguments(true);
+  const auto printer = makePrinter();
   const MemoryFile file;
   const Nexo::IntfId intf("Ethernet1");
-  using Node = Mote::Ptr<Mote::Node>;
   using enum OpCode;
   const std::set<OpCode> keyed = {read, write, del, count, version, contains};
-  const std::tuple<Node, U32, std::vector<Value>, Value, std::set<OpCode>> cases[] = {
+  const std::tuple<Mote::Ptr<Mote::Node>, U32, std::vector<Value>, Value, std::set<OpCode>> cases[] = {
       {list, 131, {}, intf, {count, front, back, enqueue, dequeue}},
       {list, 131, {U32{1}}, intf, {count, front, back, enqueue}},  // a dequeue takes no arguments
       {lists, 130, {}, list, {read, write}},
       {lists, 131, {U8{3}}, list, keyed},
-      {containers, 130, {intf}, {}, keyed},
+      {make("LoamCounters::InterfaceTcContainer"), 130, {intf}, {}, keyed},
       {printer, 136, {}, false, {read}},
-      {printer,
-       137,
-       {sources[0], sources[1], sources[2], sources[3], sources[5], true},
-       {},
-       {read, write, del}},
-      {printer, 138, {sources[0], sources[4], sources[5], false}, {}, {read, write, del}},
+      {printer, 137, {none, none, none, none, none, true}, {}, {read, write, del}},
       {printer, 144, {file.fdNumber(), tabula::formatText}, {}, {call}},
   };
   Value result;
@@ -105,142 +95,110 @@ TEST(Registry, AnswersAStatusForEveryOpCode) {
   for (const U32 number : {0U, 129U, 145U, ~0U}) {
     EXPECT_EQ(Vane::genericIfAttributeOp(*printer, result, number, 0, {}), OpStatus::unknownAttribute);
   }
-  EXPECT_EQ(Vane::genericIfAttributeOp(*list, result, 130, 0, {}), OpStatus::unknownAttribute);
 }
 
 TEST(Registry, AccessorsAreTheSameForTheSameArguments) {
-  const std::vector<Value> arguments = printerArguments(false);
-  const std::vector<Value> others = printerArguments(true);
-  const auto printer = make("LoamCounters::CountersPrinter", arguments);
-  const auto expectIdentity = [&](const char* attribute, std::initializer_list<std::size_t> taken) {
+  const std::vector<Value> others = {Mote::make<Hardware::Loam::Status>(),
+                                     Mote::make<LoamTm::TmMapping>(),
+                                     Mote::make<Hardware::Loam::InternalLagClientStatus>(),
+                                     Mote::make<TrafficClassMapping>(),
+                                     Mote::make<Hardware::Loam::CounterEngineStatus>(),
+                                     Mote::make<Cortex::EntityManager>(),
+                                     true};
+  const auto printer = makePrinter();
+  const auto expectIdentity = [&](const char* attribute, const std::vector<std::size_t>& taken) {
     const auto answered = [&](OpCode op, const std::vector<Value>& sources = {}) {
       return requested(printer, attribute, op, sources).as<Mote::Ptr<const Mote::Node>>();
     };
+    std::vector<Value> sources(taken.size() - 1, none);
+    sources.emplace_back(false);
     auto last = answered(OpCode::read);
     ASSERT_NE(last, nullptr);
-    std::vector<Value> sources;
-    for (const std::size_t i : taken) sources.push_back(arguments[i]);
     EXPECT_EQ(answered(OpCode::write, sources), last) << attribute;
     for (std::size_t i = 0; i < sources.size(); ++i) {
-      sources[i] = others[taken.begin()[i]];
+      sources[i] = others[taken[i]];
       const auto other = answered(OpCode::write, sources);
       EXPECT_NE(other, last) << attribute << " argument " << i;
       EXPECT_EQ(answered(OpCode::write, sources), other);
       last = other;
     }
-    EXPECT_EQ(answered(OpCode::read), last);
     EXPECT_EQ(answered(OpCode::del), last);
     EXPECT_EQ(answered(OpCode::read), nullptr);
     EXPECT_NE(answered(OpCode::write, sources), nullptr) << "made anew from the same arguments";
   };
   expectIdentity("fapCounterAccessor", {0, 1, 2, 3, 5, 6});
   expectIdentity("egressAclCountersAccessor", {0, 4, 5, 6});
-  EXPECT_FALSE(requested(printer, "skeinMountMode", OpCode::read).as<bool>());
 }
 
 TEST(Registry, MistypedArgumentsAreExceptions) {
-  const auto printer = make("LoamCounters::CountersPrinter", printerArguments(false));
   const auto list = make("LoamCounters::IntfList");
   const auto lists = make("LoamCounters::AllIntfList");
-  const auto raised = [&](const Mote::Ptr<Mote::Node>& object, const char* attribute, OpCode op,
-                          const std::vector<Value>& arguments, const Value& value = {}) -> std::string {
-    try {
-      requested(object, attribute, op, arguments, value);
-    } catch (const Vane::InternalException& error) {
-      return error.what();
-    }
-    return "";
+  // As the only argument, or as the value, depending on what the attribute reads.
+  const auto refused = [](const auto& object, const char* attribute, OpCode op, const Value& given,
+                          const std::string& message) {
+    EXPECT_THAT([&] { requested(object, attribute, op, {given}, given); },
+                ThrowsMessage<Vane::InternalException>(message));
   };
-  EXPECT_EQ(raised(printer, "showInterfacesEgressMtuCounters", OpCode::call, {tabula::formatText}),
-            "showInterfacesEgressMtuCounters: expected 2 arguments, got 1");
-  EXPECT_EQ(raised(printer, "showInterfacesQueueDropsCounters", OpCode::call,
-                   {U32{1}, tabula::formatText, printer}),
-            "showInterfacesQueueDropsCounters: argument 3: expected LoamCounters::IntfList::PtrConst, got "
-            "Mote::Node::Ptr");
-  EXPECT_EQ(raised(list, "intf", OpCode::enqueue, {}, U32{7}), "expected Nexo::IntfId, got U32");
-  EXPECT_EQ(raised(lists, "intfList", OpCode::write, {}, IntfList::PtrConst(intfListFactory())),
-            "expected LoamCounters::IntfList::Ptr, got LoamCounters::IntfList::PtrConst");
+  refused(makePrinter(), "showInterfacesEgressMtuCounters", OpCode::call, U32{1},
+          "showInterfacesEgressMtuCounters: expected 2 arguments, got 1");
+  refused(list, "intf", OpCode::enqueue, U32{7}, "expected Nexo::IntfId, got U32");
+  refused(lists, "intfList", OpCode::write, lists,
+          "expected LoamCounters::IntfList::Ptr, got Mote::Node::Ptr");
+  refused(lists, "intfList", OpCode::write, IntfList::PtrConst(intfListFactory()),
+          "expected LoamCounters::IntfList::Ptr, got LoamCounters::IntfList::PtrConst");
+  refused(lists, "specialIngressIntfList", OpCode::read, SpecialEgressIntfOrdering{},
+          "specialIngressIntfList: argument 1: expected LoamCounters::SpecialIngressIntfOrdering, got "
+          "LoamCounters::SpecialEgressIntfOrdering");
   EXPECT_THROW(requested(lists, "specialIngressIntfList", OpCode::read, {U8{11}}), Vane::RangeException);
-  EXPECT_EQ(raised(lists, "specialIngressIntfList", OpCode::read, {SpecialEgressIntfOrdering{}}),
-            "specialIngressIntfList: argument 1: expected LoamCounters::SpecialIngressIntfOrdering, got "
-            "LoamCounters::SpecialEgressIntfOrdering");
   EXPECT_THROW(make("LoamCounters::TcContainer", {U32{1}}), Vane::InternalException);
   EXPECT_THROW(make("LoamCounters::SpecialIngressIntfOrdering"), Vane::InternalException);
 }
 
 TEST(Registry, AnOperationAnswersItsResult) {
-  const auto printer = make("LoamCounters::DebugCountersPrinter");
-  const Value none = Mote::Ptr<const Mote::Node>();
-  for (const bool sectionNameIsDue : {true, false}) {
-    const Value stillDue = requested(printer, "printDebugCounter", OpCode::call,
-                                     {U32{0}, tabula::formatText, none, Mote::String(), none, false,
-                                      sectionNameIsDue, Mote::String(), U32{0}, Mote::String()});
-    EXPECT_EQ(stillDue.as<bool>(), sectionNameIsDue);
-  }
+  const Value stillDue = requested(
+      make("LoamCounters::DebugCountersPrinter"), "printDebugCounter", OpCode::call,
+      {U32{0}, U32{1}, none, Mote::String(), none, false, true, Mote::String(), U32{0}, Mote::String()});
+  EXPECT_TRUE(stillDue.as<bool>());
 }
 
 TEST(Registry, ForgetsAModuleThatLeaves) {
-  static constexpr std::array types = {[] {
-    Vane::TypeDescriptor type;
-    type.name = "Guest::Kind";
-    return type;
-  }()};
+  static constexpr Vane::TypeDescriptor types[] = {{"Guest::Kind", {}, 0, {}, {}, nullptr}};
   static constexpr Vane::ModuleDescriptor guest{"Guest", "", {}, types};
   {
     const Vane::Registration registration(guest);
-    EXPECT_EQ(Vane::findType("Guest::Kind"), types.data());
+    EXPECT_EQ(Vane::findType("Guest::Kind"), types);
   }
   EXPECT_EQ(Vane::findType("Guest::Kind"), nullptr);
 }
 
+// The entry at a cursor stays what it is when it has gone from its collection.
 TEST(Registry, CursorsWalkEveryCollection) {
-  const auto ports = make("LoamCounters::OrderedSystemPhyPortId");
-  using Port = Hardware::Loam::SystemPhyPortId;
-  for (const U64 port : {300U, 12U, 300U, 40U}) {
-    requested(ports, "systemPhyPortId", OpCode::write, {Port(port)}, true);
-  }
-  std::vector<U64> keys;
-  for (const auto at = Vane::genericIfCursor(*ports, 130); at->valid(); at->advance()) {
-    keys.push_back(at->key().as<Port>().value());
-    EXPECT_TRUE(at->item().as<bool>());
-    if (keys.back() == 40) at->del();
-  }
-  EXPECT_THAT(keys, ElementsAre(12, 40, 300));
-  EXPECT_EQ(requested(ports, "systemPhyPortId", OpCode::count).as<U32>(), 2U);
-
-  // Kinds by number, as a host uses them.
   const auto lists = make("LoamCounters::AllIntfList");
+  const auto list = make("LoamCounters::IntfList");
   for (const char* attribute : {"specialIngressIntfList", "specialEgressIntfList"}) {
-    for (const U8 kind : {U8{9}, U8{0}, U8{5}}) {
-      requested(lists, attribute, OpCode::write, {kind}, make("LoamCounters::IntfList"));
-    }
+    for (const U8 kind : {U8{9}, U8{0}, U8{5}}) requested(lists, attribute, OpCode::write, {kind}, list);
+    std::vector<U32> kinds;  // by number, as a host uses them
     const U32 number = lists->typeData()->type().numberOf(attribute).value();
-    std::vector<U32> kinds;
     for (const auto at = Vane::genericIfCursor(*lists, number); at->valid(); at->advance()) {
       kinds.push_back(at->key().as<U8>());
-      requested(lists, attribute, OpCode::del, {at->key()});
-      EXPECT_NE(at->item().as<Mote::Ptr<Mote::Node>>(), nullptr) << "the entry, also when it has gone";
+      if (kinds.back() != 9) at->del();
+      EXPECT_EQ(at->item().as<Mote::Ptr<Mote::Node>>(), list);
     }
     EXPECT_THAT(kinds, ElementsAre(0, 5, 9)) << attribute;
+    EXPECT_EQ(requested(lists, attribute, OpCode::count).as<U32>(), 1U);
   }
 
   const auto containers = make("LoamCounters::InterfaceTcContainer");
-  const auto list = make("LoamCounters::IntfList");
-  for (const Nexo::IntfId intf : {Nexo::IntfId("b"), Nexo::IntfId("a"), Nexo::IntfId("c")}) {
-    const Value made = requested(containers, "tcPerIntf", OpCode::write, {intf});
-    EXPECT_EQ(made.as<TcContainer::Ptr>()->intfId(), intf);
-    requested(list, "intf", OpCode::enqueue, {}, intf);
-  }
   std::set<std::string> names;
+  for (const char* intf : {"b", "a", "c"}) {
+    requested(containers, "tcPerIntf", OpCode::write, {Nexo::IntfId(intf)});
+    requested(list, "intf", OpCode::enqueue, {}, Nexo::IntfId(intf));
+  }
   for (const auto at = Vane::genericIfCursor(*containers, 130); at->valid(); at->advance()) {
     const auto intf = at->key().as<Nexo::IntfId>();
     names.insert(intf.stringValue().c_str());
-    if (intf == Nexo::IntfId("a")) {
-      at->del();
-    } else {
-      requested(containers, "tcPerIntf", OpCode::del, {intf});
-    }
-    EXPECT_EQ(at->item().as<TcContainer::PtrConst>()->intfId(), intf) << "the entry, also when it has gone";
+    at->del();
+    EXPECT_EQ(at->item().as<TcContainer::PtrConst>()->intfId(), intf);
   }
   EXPECT_THAT(names, ElementsAre("a", "b", "c"));
   EXPECT_EQ(requested(containers, "tcPerIntf", OpCode::count).as<U32>(), 0U);
@@ -254,46 +212,40 @@ TEST(Registry, CursorsWalkEveryCollection) {
     requested(list, "intf", OpCode::dequeue);
   }
   EXPECT_EQ(queued, "bac") << "what was queued when the walk began";
-  EXPECT_EQ(Vane::genericIfCursor(*list, 130), nullptr);
   EXPECT_THROW(at->del(), Vane::InternalException);
+  EXPECT_EQ(Vane::genericIfCursor(*lists, 130), nullptr) << "not a collection";
 }
 
 TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
-  const auto lists = allIntfListFactory();
-  using Kind = SpecialIngressIntfOrdering;
-  for (const Kind kind : {Kind::ingressIntfIpsec, Kind::ingressIntfOlp, Kind::ingressIntfPlr}) {
-    lists->specialIngressIntfListIs(kind, intfListFactory());
-  }
-  EXPECT_EQ(lists->specialIngressIntfLists().begin()->key, Kind::ingressIntfOlp);
-  lists->specialIngressIntfListIs(Kind::ingressIntfPlr, nullptr);
-  lists->specialIngressIntfListIs(Kind::ingressIntfErp, nullptr);
-  EXPECT_EQ(lists->specialIngressIntfLists().size(), 2U);
-  EXPECT_EQ(lists->specialIngressIntfListDel(Kind::ingressIntfErp), nullptr);
-  const auto counters = tcContainerFactory(Nexo::IntfId("e"));
-  EXPECT_EQ(counters->tc(3), IngressCounter());
-  counters->tcIs(3, {{5, 6, 7, 8}});
-  const TcContainer::PtrConst reader = counters;
-  EXPECT_EQ(reader->tc(3).droppedPackets, 7U);
-  const InterfaceTcContainer::PtrConst containers = interfaceTcContainerFactory();
-  EXPECT_EQ(containers->tcPerIntf(Nexo::IntfId("e")), nullptr);
-  const OrderedSystemPhyPortId::PtrConst ports = orderedSystemPhyPortIdFactory();
-  EXPECT_FALSE(ports->systemPhyPortId(Hardware::Loam::nullPort));
-  EXPECT_EQ(counters->tcDel(3), (IngressCounter{{5, 6, 7, 8}}));
-  counters->tcIs(3, {{5, 6, 7, 8}});
-  counters->tcDelAll();
-  EXPECT_EQ(reader->tc(3), IngressCounter());
-  EXPECT_EQ(intfListFactory()->intfDeq(), Nexo::IntfId());
+  constexpr auto plr = SpecialIngressIntfOrdering::ingressIntfPlr;
+  const Nexo::IntfId intf("e");
   const auto list = intfListFactory();
-  list->intfEnq(Nexo::IntfId("e"));
-  list->intfDelAll();
-  EXPECT_EQ(list->intfDeq(), Nexo::IntfId());
-  lists->specialEgressIntfListIs(SpecialEgressIntfOrdering{}, list);
+  const auto lists = allIntfListFactory();
+  lists->specialIngressIntfListIs(plr, list);
+  lists->specialIngressIntfListIs(plr, nullptr);
+  EXPECT_EQ(lists->specialIngressIntfLists().size(), 0U);
+  EXPECT_EQ(lists->specialIngressIntfListDel(plr), nullptr);
+  lists->specialEgressIntfListIs({}, list);
   lists->specialEgressIntfListDelAll();
   EXPECT_EQ(lists->specialEgressIntfLists().size(), 0U);
+  list->intfEnq(intf);
+  list->intfDelAll();
+  EXPECT_EQ(list->intfDeq(), Nexo::IntfId());
+
+  const IngressCounter counter{{5, 6, 7, 8}};
+  const auto counters = tcContainerFactory(intf);
+  counters->tcIs(3, counter);
+  EXPECT_EQ(counters->tc(3), counter);
+  EXPECT_EQ(counters->tcDel(3), counter);
+  EXPECT_EQ(counters->tc(3), IngressCounter());
+  counters->tcIs(3, counter);
+  counters->tcDelAll();
+  EXPECT_EQ(counters->tcs().size(), 0U);
+  EXPECT_EQ(interfaceTcContainerFactory()->tcPerIntf(intf), nullptr);
+  EXPECT_FALSE(orderedSystemPhyPortIdFactory()->systemPhyPortId(Hardware::Loam::nullPort));
 
   const auto mapping = fapDescriptorMappingFactory();
   const auto descriptor = Mote::make<FapDescriptor>();
-  mapping->fapDescriptorIs("F", nullptr);
   mapping->fapDescriptorIs("F", descriptor);
   mapping->fapDescriptorIs("F", Mote::make<FapDescriptor>());
   EXPECT_EQ(descriptor->users(), 1U) << "replaced, and so released";
@@ -303,37 +255,32 @@ TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
 
 // The test of the registry's listing compares the names.
 template <class Kind>
-void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::String&), const char* foreign) {
+void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::String&)) {
   const Vane::TypeDescriptor& type = *Vane::findType(Vane::typeName<Kind>);
-  ASSERT_EQ(type.values.size(), 11U);
   for (U32 number = 0; number < type.values.size(); ++number) {
     const std::string name(type.values[number]);
     const Kind kind = ofNumber(number);
-    EXPECT_EQ(static_cast<U32>(kind), number);
     EXPECT_EQ(stringValue(kind), name);
-    EXPECT_EQ(ofName(name), kind);
     EXPECT_EQ((std::ostringstream() << kind).str(), name);
+    EXPECT_EQ(ofName(name), kind);
     Kind parsed{};
-    const std::string text = name + "...";
-    EXPECT_TRUE(sequenceToValue(text.data(), text.data() + name.size(), parsed));
+    EXPECT_TRUE(sequenceToValue(name.data(), name.data() + name.size(), parsed));
     EXPECT_EQ(parsed, kind);
-    EXPECT_FALSE(sequenceToValue(text.data(), text.data() + name.size() + 1, parsed));
+    EXPECT_FALSE(sequenceToValue(name.data(), name.data() + name.size() - 1, parsed));
   }
-  using testing::ThrowsMessage;
   const std::string full(type.name);
   const auto outOfRange = ThrowsMessage<Vane::RangeException>(full + "::value < " + full + "::min or > " +
                                                               full + "::max not allowed");
   EXPECT_THAT([&] { ofNumber(11); }, outOfRange);
   EXPECT_THAT([] { stringValue(static_cast<Kind>(11)); }, outOfRange);
-  EXPECT_THAT([&] { ofName(foreign); },
-              ThrowsMessage<Vane::RangeException>(full + " has no value " + foreign));
+  EXPECT_THAT([&] { ofName("x"); }, ThrowsMessage<Vane::RangeException>(full + " has no value x"));
 }
 
 TEST(IntfLists, KindsHaveNamesAndNumbers) {
   expectNamesAndNumbers<SpecialIngressIntfOrdering>(SpecialIngressIntfOrderingInstance,
-                                                    SpecialIngressIntfOrderingInstance, "egressIntfErp");
+                                                    SpecialIngressIntfOrderingInstance);
   expectNamesAndNumbers<SpecialEgressIntfOrdering>(SpecialEgressIntfOrderingInstance,
-                                                   SpecialEgressIntfOrderingInstance, "ingressIntfErp");
+                                                   SpecialEgressIntfOrderingInstance);
 }
 
 }  // namespace

@@ -68,28 +68,6 @@ std::string mtuHead() {
          line("%-17s %19s %19s %19s\n", "Switch", "EnqueuePkts", "Discards", "TotalPkts");
 }
 
-std::string egressRows(const std::string& name, const Labels& labels, const Quads& ucast,
-                       const Quads& mcast) {
-  std::string text;
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const std::string label = line("%-20s %-7s %-10s ", name.c_str(), labels[i].c_str(), "DP0-3");
-    text += label + line("%-10s ", "UC") + columns(17, ucast[i]);
-    text += label + line("%-10s ", "MC") + columns(17, mcast[i]);
-  }
-  return text;
-}
-
-Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast) {
-  Json json;
-  for (const auto& [queues, quads] : {std::pair{"ucastQueues", &ucast}, std::pair{"mcastQueues", &mcast}}) {
-    Json& classes = json[queues]["trafficClasses"];
-    for (std::size_t i = 0; i < labels.size(); ++i) {
-      classes[labels[i]]["dropPrecedences"]["DP0-3"] = members((*quads)[i]);
-    }
-  }
-  return json;
-}
-
 Quads ingressQuads(U64 intf, U64 source, U64 count) {
   Quads quads;
   for (U64 t = 0; t < count; ++t) quads.push_back(quad(ingressBase(intf, source, t)));
@@ -102,12 +80,6 @@ Quads ingressSums(U64 intf, U64 count) {
   return quads;
 }
 
-Quads egressQuads(EgressRecord record, U64 intf, DestType destType, const std::vector<U64>& tcs) {
-  Quads quads;
-  for (const U64 t : tcs) quads.push_back(quad(egressBase(record, intf, t, destType)));
-  return quads;
-}
-
 void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
                 const Quads& quads) {
   text += ingressRows(Nexo::IntfId(name).shortName().c_str(), labels, quads);
@@ -115,9 +87,22 @@ void addIngress(std::string& text, Json& interfaces, const std::string& name, co
 }
 
 void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
-               const Quads& ucast, const Quads& mcast) {
-  text += egressRows(Nexo::IntfId(name).shortName().c_str(), labels, ucast, mcast);
-  interfaces[name] = egressJson(labels, ucast, mcast);
+               EgressRecord record, U64 intf) {
+  Json& json = interfaces[name] = Json::object();
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    // Only the LAG record has counts of its own for pairs of classes, behind the others.
+    const U64 t = record == EgressRecord::lag ? i : static_cast<U64>(labels[i][2] - '0');
+    for (const DestType destType : {DestType::unicast, DestType::multicast}) {
+      const bool unicast = destType == DestType::unicast;
+      const bool counted = unicast || record != EgressRecord::portMode;
+      const Json counts = counted ? quad(egressBase(record, intf, t, destType)) : zeros();
+      text += line("%-20s %-7s %-10s %-10s ", Nexo::IntfId(name).shortName().c_str(), labels[i].c_str(),
+                   "DP0-3", unicast ? "UC" : "MC") +
+              columns(17, counts);
+      json[unicast ? "ucastQueues" : "mcastQueues"]["trafficClasses"][labels[i]]["dropPrecedences"]["DP0-3"] =
+          members(counts);
+    }
+  }
 }
 
 std::vector<std::string> rowNames(const std::string& text) {

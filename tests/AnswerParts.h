@@ -35,20 +35,17 @@ inline constexpr const char* perChipTitle =
     "policers.\n";
 std::string aclHead();
 std::string mtuHead();
-/// One interface's egress rows, a unicast and a multicast one per label, and their object in JSON.
-std::string egressRows(const std::string& name, const Labels& labels, const Quads& ucast, const Quads& mcast);
-Json egressJson(const Labels& labels, const Quads& ucast, const Quads& mcast);
-
-/// Quads of the small switch: of a source, of the sum of the sources, and of egress queues.
+/// Quads of the small switch: of a source, and of the sum of the sources.
 Quads ingressQuads(U64 intf, U64 source, U64 count = 8);
 Quads ingressSums(U64 intf, U64 count = 8);
-Quads egressQuads(EgressRecord record, U64 intf, DestType destType, const std::vector<U64>& tcs);
 
 /// Adds an interface's rows to an expected text, and its object to the expected JSON, under its long name.
+/// Egress rows are a unicast and a multicast one per label; a label of a pair has the counts of its first
+/// class.
 void addIngress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
                 const Quads& quads);
 void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
-               const Quads& ucast, const Quads& mcast);
+               EgressRecord record, U64 intf);
 
 /// The interfaces in the first column of a text's rows, once per run of rows.
 std::vector<std::string> rowNames(const std::string& text);

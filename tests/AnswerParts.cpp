@@ -105,6 +105,13 @@ void addEgress(std::string& text, Json& interfaces, const std::string& name, con
   }
 }
 
+std::vector<std::string> keysAt(const std::string& json, const std::string& path) {
+  const Json members = Json::parse(json)[Json::json_pointer(path)];
+  std::vector<std::string> keys;
+  for (const auto& member : members.items()) keys.push_back(member.key());
+  return keys;
+}
+
 std::vector<std::string> rowNames(const std::string& text) {
   std::vector<std::string> names;
   std::istringstream lines(text);

@@ -47,6 +47,9 @@ void addIngress(std::string& text, Json& interfaces, const std::string& name, co
 void addEgress(std::string& text, Json& interfaces, const std::string& name, const Labels& labels,
                EgressRecord record, U64 intf);
 
+/// The names of the members at a path of a JSON text.
+std::vector<std::string> keysAt(const std::string& json, const std::string& path);
+
 /// The interfaces in the first column of a text's rows, once per run of rows.
 std::vector<std::string> rowNames(const std::string& text);
 

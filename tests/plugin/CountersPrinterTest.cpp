@@ -149,10 +149,7 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
     };
     const auto list = intfListFactory();
     for (const char* intf : intfs) list->intfEnq(Nexo::IntfId(intf));
-    std::vector<std::string> names;
-    const Json json = Json::parse(called(fixture.printer, operation, tabula::formatJson, list));
-    for (const auto& entry : json[Json::json_pointer(path)].items()) names.push_back(entry.key());
-    return names;
+    return keysAt(called(fixture.printer, operation, tabula::formatJson, list), path);
   };
   // The FAP that is being shown is removed, and others are added below and above it.
   const auto replace = [](Status& status) {

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "LoamCounters/QueueCountersPrinter/EgressRows.h"
 #include "platform/Nexo.h"
 #include "tests/AnswerParts.h"
 
@@ -119,34 +118,6 @@ TEST(QueueDrops, LongLabelsShiftTheirRow) {
   EXPECT_THAT(answer(state, {"drops", "et1"}), HasSubstr(" - Quarterdeck42         " + columns(17, count)));
   EXPECT_EQ(answer(state, {"drops", "et1.5", "-j"}),
             "{\"interfaces\":{\"Ethernet1.5\":{\"trafficClasses\":{}}}}\n");
-}
-
-TEST(EgressRows, AreTheirArgumentsWhateverTheirPlace) {
-  const MemoryFile file;
-  tabula::Printer printer(file.fd(), tabula::formatText, true, false, true, 0);
-  LoamCounters::QueueCountersAttrs attrs(printer);
-  const LoamCounters::CounterQuad counts{1, 2, 3, 4};
-  const Json shown = quad(0);
-  LoamCounters::printEgressCounters(printer, 1, Nexo::IntfId("Ethernet1"), 3, 7, "TC3", 4, "DP", 1, false,
-                                    counts, attrs);
-  printer.addFrills<"%s\n">(attrs.intfAttr.getArg());
-  // The labels depend on the format argument, not on the Printer.
-  LoamCounters::EgressTmCounter record;
-  record.quadIs(LoamCounters::EgressTmCounterIndex(60), counts);
-  LoamCounters::printIntfTcEgrCounters(printer, tabula::formatJson, 7, record, attrs);
-  for (const U32 tc : {8U, 0x20000000U}) {
-    EXPECT_THROW(LoamCounters::printIntfTcEgrCounters(printer, 1, tc, record, attrs), Vane::RangeException);
-  }
-  const auto accessor =
-      Mote::make<LoamCounters::CounterEngineAccessor>(nullptr, nullptr, nullptr, nullptr, nullptr, false);
-  constexpr U32 far = 0x40000000;  // in 32-bit arithmetic, its counts would be the first ones
-  EXPECT_THROW(LoamCounters::printEgressCountersPerIntfHelper(Nexo::IntfId("Port-Channel1"), printer, 1,
-                                                              accessor, attrs, far, far, true, false),
-               Vane::RangeException);
-  printer.close();
-  EXPECT_EQ(file.content(), line("%-20s %-7s %-10s %-10s ", "Et1", "TC3", "DP", "MC") + columns(17, shown) +
-                                "Ethernet1\n" + row(" Egress queue", shown) +
-                                row(" - DP0-3 ucastQueues", zeros()) + row(" - DP0-3 mcastQueues", shown));
 }
 
 TEST(EgressAclDrops, DistinguishNoCountFromZero) {

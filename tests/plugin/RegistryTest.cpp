@@ -4,7 +4,6 @@
 #include <regex>
 #include <sstream>
 
-#include "LoamCounters/DebugCountersPrinter/DescriptorMappings.h"
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
 #include "loamshow/commands/Plugin.h"
@@ -98,36 +97,26 @@ TEST(Registry, AnswersAStatusForEveryOpCode) {
 }
 
 TEST(Registry, AccessorsAreTheSameForTheSameArguments) {
-  const std::vector<Value> others = {Mote::make<Hardware::Loam::Status>(),
-                                     Mote::make<LoamTm::TmMapping>(),
-                                     Mote::make<Hardware::Loam::InternalLagClientStatus>(),
-                                     Mote::make<TrafficClassMapping>(),
-                                     Mote::make<Hardware::Loam::CounterEngineStatus>(),
-                                     Mote::make<Cortex::EntityManager>(),
-                                     true};
   const auto printer = makePrinter();
-  const auto expectIdentity = [&](const char* attribute, const std::vector<std::size_t>& taken) {
-    const auto answered = [&](OpCode op, const std::vector<Value>& sources = {}) {
-      return requested(printer, attribute, op, sources).as<Mote::Ptr<const Mote::Node>>();
+  const std::tuple<const char*, std::vector<Value>, std::vector<Value>> cases[] = {
+      {"fapCounterAccessor", {none, none, none, none, none, false}, {none, none, none, none, none, true}},
+      {"egressAclCountersAccessor",
+       {none, none, none, false},
+       {Mote::make<Hardware::Loam::Status>(), none, none, false}}};
+  for (const auto& [attribute, given, others] : cases) {
+    const auto answered = [&, &name = attribute](OpCode op, const std::vector<Value>& arguments = {}) {
+      return requested(printer, name, op, arguments).as<Mote::Ptr<const Mote::Node>>();
     };
-    std::vector<Value> sources(taken.size() - 1, none);
-    sources.emplace_back(false);
-    auto last = answered(OpCode::read);
-    ASSERT_NE(last, nullptr);
-    EXPECT_EQ(answered(OpCode::write, sources), last) << attribute;
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-      sources[i] = others[taken[i]];
-      const auto other = answered(OpCode::write, sources);
-      EXPECT_NE(other, last) << attribute << " argument " << i;
-      EXPECT_EQ(answered(OpCode::write, sources), other);
-      last = other;
-    }
-    EXPECT_EQ(answered(OpCode::del), last);
+    const auto first = answered(OpCode::read);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(answered(OpCode::write, given), first);
+    const auto second = answered(OpCode::write, others);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(answered(OpCode::write, others), second);
+    EXPECT_EQ(answered(OpCode::del), second);
     EXPECT_EQ(answered(OpCode::read), nullptr);
-    EXPECT_NE(answered(OpCode::write, sources), nullptr) << "made anew from the same arguments";
-  };
-  expectIdentity("fapCounterAccessor", {0, 1, 2, 3, 5, 6});
-  expectIdentity("egressAclCountersAccessor", {0, 4, 5, 6});
+    EXPECT_NE(answered(OpCode::write, others), nullptr) << "made anew from the same arguments";
+  }
 }
 
 TEST(Registry, MistypedArgumentsAreExceptions) {
@@ -216,41 +205,26 @@ TEST(Registry, CursorsWalkEveryCollection) {
   EXPECT_EQ(Vane::genericIfCursor(*lists, 130), nullptr) << "not a collection";
 }
 
-TEST(IntfLists, LookUpsOfWhatIsNotThereAreNeutral) {
-  constexpr auto plr = SpecialIngressIntfOrdering::ingressIntfPlr;
-  const Nexo::IntfId intf("e");
-  const auto list = intfListFactory();
-  const auto lists = allIntfListFactory();
-  lists->specialIngressIntfListIs(plr, list);
-  lists->specialIngressIntfListIs(plr, nullptr);
-  EXPECT_EQ(lists->specialIngressIntfLists().size(), 0U);
-  EXPECT_EQ(lists->specialIngressIntfListDel(plr), nullptr);
-  lists->specialEgressIntfListIs({}, list);
-  lists->specialEgressIntfListDelAll();
-  EXPECT_EQ(lists->specialEgressIntfLists().size(), 0U);
-  list->intfEnq(intf);
-  list->intfDelAll();
-  EXPECT_EQ(list->intfDeq(), Nexo::IntfId());
-
+TEST(Registry, CollectionsHoldWhatWasSet) {
+  const auto counters = make("LoamCounters::TcContainer", {Nexo::IntfId("e")});
+  const auto tc = [&](OpCode op, const Value& value = {}) {
+    return requested(counters, "tc", op, {U32{3}}, value);
+  };
   const IngressCounter counter{{5, 6, 7, 8}};
-  const auto counters = tcContainerFactory(intf);
-  counters->tcIs(3, counter);
-  EXPECT_EQ(counters->tc(3), counter);
-  EXPECT_EQ(counters->tcDel(3), counter);
-  EXPECT_EQ(counters->tc(3), IngressCounter());
-  counters->tcIs(3, counter);
-  counters->tcDelAll();
-  EXPECT_EQ(counters->tcs().size(), 0U);
-  EXPECT_EQ(interfaceTcContainerFactory()->tcPerIntf(intf), nullptr);
-  EXPECT_FALSE(orderedSystemPhyPortIdFactory()->systemPhyPortId(Hardware::Loam::nullPort));
+  tc(OpCode::write, counter);
+  const U32 version = tc(OpCode::version).as<U32>();
+  EXPECT_TRUE(tc(OpCode::contains).as<bool>());
+  EXPECT_EQ(tc(OpCode::read).as<IngressCounter>(), counter);
+  EXPECT_EQ(tc(OpCode::del).as<IngressCounter>(), counter);
+  EXPECT_FALSE(tc(OpCode::contains).as<bool>());
+  EXPECT_EQ(tc(OpCode::read).as<IngressCounter>(), IngressCounter()) << "neutral, as it is not there";
+  EXPECT_NE(tc(OpCode::version).as<U32>(), version);
 
-  const auto mapping = fapDescriptorMappingFactory();
-  const auto descriptor = Mote::make<FapDescriptor>();
-  mapping->fapDescriptorIs("F", descriptor);
-  mapping->fapDescriptorIs("F", Mote::make<FapDescriptor>());
-  EXPECT_EQ(descriptor->users(), 1U) << "replaced, and so released";
-  mapping->fapDescriptorIs("F", nullptr);
-  EXPECT_EQ(mapping->fapDescriptorDel("F"), nullptr);
+  const auto lists = make("LoamCounters::AllIntfList");
+  for (const Value& list : {Value(make("LoamCounters::IntfList")), none}) {  // setting null removes the entry
+    requested(lists, "specialIngressIntfList", OpCode::write, {U8{5}}, list);
+  }
+  EXPECT_EQ(requested(lists, "specialIngressIntfList", OpCode::count).as<U32>(), 0U);
 }
 
 // The test of the registry's listing compares the names.

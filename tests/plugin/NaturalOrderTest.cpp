@@ -1,21 +1,10 @@
-#include "LoamCounters/QueueCountersPrinter/Labels.h"
+#include "LoamCounters/QueueCountersPrinter/NaturalOrder.h"
 
 #include <gmock/gmock.h>
-
-#include "LoamCounters/QueueCountersPrinter/NaturalOrder.h"
 
 namespace LoamCounters {
 
 namespace {
-
-// Cases that the tests of the commands do not cover.
-TEST(Labels, OfOtherQueuesAndOfNone) {
-  EXPECT_THAT(queueNamesByQueuesPerPort(2, 8), testing::ElementsAre("TC0-3", "TC4-7"));
-  EXPECT_EQ(trafficClassLabel(2, 3, 8, false), "TC4-5");
-  EXPECT_DEATH(trafficClassLabel(0, 9, 8, false), "tcPerPort >= countersPerPort");
-  EXPECT_DEATH(trafficClassLabel(4, 8, 8, true), "index < fapAmbiguousTcLabel.size\\(\\)");
-  EXPECT_DEATH(destTypeLabel(2, 1), "false && \"Invalid destType\"");
-}
 
 TEST(NaturalOrder, ComparesAsPeopleRead) {
   enum Order { before, behind, neither };

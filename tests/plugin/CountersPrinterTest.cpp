@@ -77,17 +77,18 @@ void call(const CountersPrinter::Ptr& printer, const std::string& operation, U32
   if (operation == "queues") printer->showInterfacesQueueCounters(fd, fmt, intfs, true, false);
   if (operation == "ingress") printer->showInterfacesQueueIngressCounters(fd, fmt, intfs, true, false);
   if (operation == "cpu") printer->showCpuQueueCounters(fd, fmt, true, false);
-  if (operation == "cpu per core") printer->showCpuQueueCounters(fd, fmt, false, false);
+  if (operation == "cores") printer->showCpuQueueCounters(fd, fmt, false, false);
   if (operation == "drops") printer->showInterfacesQueueDropsCounters(fd, fmt, intfs);
   if (operation == "acl") printer->showInterfacesEgressAclDropCounters(fd, fmt, intfs);
   if (operation == "mtu") printer->showInterfacesEgressMtuCounters(fd, fmt);
 }
 
-/// The output of an operation.
-std::string called(const CountersPrinter::Ptr& printer, const std::string& operation, U32 fmt,
+/// The output of operations.
+std::string called(const CountersPrinter::Ptr& printer, const std::string& operations, U32 fmt,
                    const IntfList::PtrConst& intfs) {
   const MemoryFile file;
-  call(printer, operation, file.fdNumber(), fmt, intfs);
+  for (const std::string& operation : words(operations))
+    call(printer, operation, file.fdNumber(), fmt, intfs);
   return file.content();
 }
 
@@ -97,11 +98,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
   printer->fapCounterAccessorDel();
   printer->egressAclCountersAccessorDel();
   const auto answers = [&](const CountersPrinter::Ptr& of, U32 fmt) {
-    std::string all;
-    for (const char* operation : {"queues", "drops", "mtu", "cpu", "ingress", "cpu per core"}) {
-      all += called(of, operation, fmt, fixture.intfs);
-    }
-    return all;
+    return called(of, "queues drops mtu cpu ingress cores", fmt, fixture.intfs);
   };
   const std::string summary = "Aggregate CPU counters:";
   const std::string common = ingressHead("Aggregate VoQ Counters") + "\n" + egressHead() + "\n" +
@@ -127,9 +124,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
       R"({"ingressVoqs":{"sources":{"A.0":{"cpuClasses":{}},"A.1":{"cpuClasses":{}},"B":{"cpuClasses":{}}}},)"
       R"("egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})"
       "\n");
-  for (const char* operation : {"queues", "ingress", "acl"}) {
-    EXPECT_EQ(called(printer, operation, tabula::formatJson, nullptr), "") << "without a list of interfaces";
-  }
+  EXPECT_EQ(called(printer, "queues ingress acl", tabula::formatJson, nullptr), "");
   EXPECT_EQ(called(printer, "drops", tabula::formatText, nullptr), dropsHead() + "\n");
 }
 
@@ -234,13 +229,9 @@ TEST(Threads, ShareOnePrinter) {
   // The CPU command runs first, in all threads at the same time: it fills the class sets, which the process
   // keeps.
   const auto answers = [&] {
-    std::string all;
-    for (const char* operation : {"cpu", "queues", "ingress", "drops", "acl", "mtu"}) {
-      for (const U32 fmt : {tabula::formatText, tabula::formatJson}) {
-        all += called(fixture.printer, operation, fmt, fixture.intfs);
-      }
-    }
-    return all;
+    constexpr const char* operations = "cpu queues ingress drops acl mtu";
+    return called(fixture.printer, operations, tabula::formatText, fixture.intfs) +
+           called(fixture.printer, operations, tabula::formatJson, fixture.intfs);
   };
   std::vector<std::string> got(4);
   std::vector<std::thread> threads;

@@ -229,14 +229,13 @@ TEST(Registry, CollectionsHoldWhatWasSet) {
 
 // The test of the registry's listing compares the names.
 template <class Kind>
-void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::String&)) {
+void expectNamesAndNumbers(auto kindOf) {
   const Vane::TypeDescriptor& type = *Vane::findType(Vane::typeName<Kind>);
   for (U32 number = 0; number < type.values.size(); ++number) {
-    const std::string name(type.values[number]);
-    const Kind kind = ofNumber(number);
-    EXPECT_EQ(stringValue(kind), name);
-    EXPECT_EQ((std::ostringstream() << kind).str(), name);
-    EXPECT_EQ(ofName(name), kind);
+    const Kind kind = kindOf(number);
+    const std::string name = (std::ostringstream() << kind).str();
+    EXPECT_EQ(name, type.values[number]);
+    EXPECT_EQ(kindOf(Mote::String(name)), kind);
     Kind parsed{};
     EXPECT_TRUE(sequenceToValue(name.data(), name.data() + name.size(), parsed));
     EXPECT_EQ(parsed, kind);
@@ -245,16 +244,17 @@ void expectNamesAndNumbers(Kind (*ofNumber)(U32), Kind (*ofName)(const Mote::Str
   const std::string full(type.name);
   const auto outOfRange = ThrowsMessage<Vane::RangeException>(full + "::value < " + full + "::min or > " +
                                                               full + "::max not allowed");
-  EXPECT_THAT([&] { ofNumber(11); }, outOfRange);
+  EXPECT_THAT([&] { kindOf(11U); }, outOfRange);
   EXPECT_THAT([] { stringValue(static_cast<Kind>(11)); }, outOfRange);
-  EXPECT_THAT([&] { ofName("x"); }, ThrowsMessage<Vane::RangeException>(full + " has no value x"));
+  EXPECT_THAT([&] { kindOf(Mote::String("x")); },
+              ThrowsMessage<Vane::RangeException>(full + " has no value x"));
 }
 
 TEST(IntfLists, KindsHaveNamesAndNumbers) {
-  expectNamesAndNumbers<SpecialIngressIntfOrdering>(SpecialIngressIntfOrderingInstance,
-                                                    SpecialIngressIntfOrderingInstance);
-  expectNamesAndNumbers<SpecialEgressIntfOrdering>(SpecialEgressIntfOrderingInstance,
-                                                   SpecialEgressIntfOrderingInstance);
+  using Ingress = SpecialIngressIntfOrdering;
+  using Egress = SpecialEgressIntfOrdering;
+  expectNamesAndNumbers<Ingress>([](auto given) { return SpecialIngressIntfOrderingInstance(given); });
+  expectNamesAndNumbers<Egress>([](auto given) { return SpecialEgressIntfOrderingInstance(given); });
 }
 
 }  // namespace

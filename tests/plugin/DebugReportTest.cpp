@@ -46,12 +46,10 @@ Json debugSwitch() {
     }}}})");
 }
 
-const std::string columnTitles = line("%-53s   %-15s   %-19s   %-19s   %-19s\n", "Counter name", "Value",
-                                      "First update", "Last update", "Last discontinuity");
-
 std::string title(const std::string& fap) {
   return "\n" + fap + " Counters (* indicates overflow)\n" + std::string(fap.size() + 32, '-') + "\n" +
-         columnTitles;
+         line("%-53s   %-15s   %-19s   %-19s   %-19s\n", "Counter name", "Value", "First update",
+              "Last update", "Last discontinuity");
 }
 
 std::string counterLine(char sign, const char* name, const char* value, const char* first, const char* last,
@@ -257,12 +255,10 @@ TEST(DebugReport, TracesWhatReadsCounters) {
   ::setenv("LOAM_TRACE", file.path().c_str(), 1);
   answer(debugSwitch(), {"debug"});
   debugCountersPrinterFactory()->printDebugCounter(0, 1, nullptr, "", nullptr, false, false, "", 0, "");
-  std::string lines;
-  for (const std::string operation : {"Z printDebugCountersFap", "Z printDebugCounter"}) {
-    const std::string line = "20..-..-..T..:..:..[.]......" + operation;
-    lines += line + "\n" + line + " took .* us\n";
-  }
-  EXPECT_THAT(file.content(), testing::MatchesRegex(lines));
+  EXPECT_THAT(file.content(), testing::MatchesRegex("20..-..-..T..:..:..[.]......Z printDebugCountersFap\n"
+                                                    "20.*Z printDebugCountersFap took .* us\n"
+                                                    "20.*Z printDebugCounter\n"
+                                                    "20.*Z printDebugCounter took .* us\n"));
 }
 
 }  // namespace

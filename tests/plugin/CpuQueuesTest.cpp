@@ -116,11 +116,10 @@ TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
 
 TEST(CpuQueues, APortWithoutAFapIsReadInEveryModeThatAFapHas) {
   Json state = cpuSwitch();
-  const std::string rows[] = {portRows("CpuNowhere", tm0, zeros()),
-                              portRows("CpuNowhere", cpuBUnicast, cpuBMulticast)};
-  for (const int major : {1, 2}) {
+  for (const auto& [major, rows] : {std::pair{1, portRows("CpuNowhere", tm0, zeros())},
+                                    std::pair{2, portRows("CpuNowhere", cpuBUnicast, cpuBMulticast)}}) {
     for (Json& revision : state["status"]["fapRevision"]) revision["major"] = major;
-    EXPECT_THAT(answer(state, {"cpu", "--summary"}), testing::EndsWith(rows[major - 1]));
+    EXPECT_THAT(answer(state, {"cpu", "--summary"}), testing::EndsWith(rows));
   }
 }
 

@@ -137,7 +137,9 @@ TEST(CountersPrinter, WalksAStatusThatChanges) {
     };
     const auto list = intfListFactory();
     for (const char* intf : intfs) list->intfEnq(Nexo::IntfId(intf));
-    return keysAt(called(fixture.printer, operation, tabula::formatJson, list), path);
+    const std::string json = called(fixture.printer, operation, tabula::formatJson, list);
+    EXPECT_EQ(Json::parse(json).dump() + "\n", json) << "no member comes twice";
+    return keysAt(json, path);
   };
   // The FAP that is being shown is removed, and others are added below and above it.
   const auto replace = [](Status& status) {

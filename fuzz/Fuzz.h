@@ -32,7 +32,6 @@ class Input {
   }
   bool flag() { return number(2) != 0; }
   std::string text(std::size_t most) { return std::string(take(number(most + 1))); }
-  std::string_view rest() { return take(rest_.size()); }
 
  private:
   std::string_view take(std::size_t most) {

@@ -7,34 +7,26 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 
 #include "fuzz/Fuzz.h"
+#include "loamshow/state/RegionState.h"
+#include "loamshow/state/StateFile.h"
 #include "platform/counteragent/RegionReader.h"
-#include "platform/counteragent/RegionWriter.h"
 
 namespace {
 
 using namespace LoamCounters;
 
 std::string wholeRegion() {
-  const auto made = Mote::make<MemoryCounterTables>();
-  MemoryCounterTables& tables = *made;
-  IngressTcCounter ingress;
-  ingress.queueIs(IngressCounterIndex(1), {});
-  for (const U64 core : {0U, 1U}) tables.ingressIs(FapId(0), LocalCoreId(core), Nexo::IntfId("E1"), ingress);
-  tables.ingressIs(FapId(1), LocalCoreId(0), Nexo::IntfId("E2"), {});
-  tables.egress.set(Nexo::IntfId("E1"), {});
-  tables.egressTm.set(Nexo::IntfId("E2"), {});
-  tables.egressLag.set(Nexo::IntfId("P"), {});
-  tables.egressAcl.set(Nexo::IntfId("P"), {});
-  for (const U64 fap : {0U, 1U}) tables.egressMtu.set(FapId(fap), {});
-  const auto manager = Mote::make<Brim::Counters::MemoryShmemManager>();
-  manager->values.set("now", std::vector<Brim::Counters::Counter>(3));
-  manager->values.set("then", {});
-  const auto none = Mote::make<Brim::Counters::MemoryShmemManager>();
+  const loamshow::SwitchState state = loamshow::parseState("state", R"({
+    "counters": {
+      "ingress": [{"intfId": "E1", "queues": [[1, 2, 3, 4], [5, 6, 7, 8]]}, {"coreId": 1, "intfId": "E1"},
+                  {"fapId": 1, "intfId": "E2"}],
+      "egress": {"E1": {}}, "egressTm": {"E2": {}}, "egressLag": {"P": {}}, "egressAcl": {"P": 1},
+      "egressMtu": {"0": {}, "1": {}}},
+    "debug": {"faps": {"F1": {"snapshots": {"now": [{}, {}, {}], "then": []}}, "F2": {"snapshots": {}}}}})");
   const std::string path = std::filesystem::temp_directory_path() / ("region." + std::to_string(::getpid()));
-  const CounterRegionWriter writer(path, "{}", tables, {{"F1", manager}, {"F2", none}});
+  const CounterRegionWriter writer = loamshow::publish(state, path);
   std::ifstream file(path, std::ios::binary);
   writer.remove();
   return {std::istreambuf_iterator<char>(file), {}};
@@ -85,9 +77,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   loamfuzz::require(::write(fd, region.data(), region.size()) == static_cast<ssize_t>(region.size()));
   try {
     readAll(Mote::make<Region>(fd, "R"));
-  } catch (const RegionException& error) {
-    loamfuzz::require(std::string_view(error.what()).starts_with("R: "));
-  } catch (const RecordException& error) {
+  } catch (const Vane::Exception& error) {
     loamfuzz::require(std::string_view(error.what()).starts_with("R: "));
   }
   ::close(fd);

@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "fuzz/Fuzz.h"
+#include "loamshow/state/Capture.h"
 #include "loamshow/state/RegionState.h"
 #include "loamshow/state/StateFile.h"
 #include "platform/counteragent/RegionReader.h"
@@ -34,25 +35,18 @@ std::string wholeRegion() {
 
 void readAll(const Region::PtrConst& region) {
   constexpr std::chrono::milliseconds noWait{0};
-  const RegionTables tables(region, noWait);
-  for (const auto& [source, intf] : tables.ingressKeys()) {
-    tables.ingressTcCounter(source.fapId, source.coreId, intf);
-    tables.ingressCounter({intf, source.fapId, source.coreId, 79});
-  }
-  for (const auto& [intf, number] : region->interfaces()) {
-    tables.ingressSources(intf);
-    tables.ingressTcCounter(Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, intf);
-    tables.egressCounter({intf, 56});
-    tables.egressTmCounter({intf, 56});
-    tables.egressLagCounter({intf, 56});
-    tables.egressAclCounter({intf, 56});
-  }
-  for (const FapId fap : tables.egressMtuKeys()) tables.egressMtuTotalCounter(fap);
+  const auto tables = Mote::make<RegionTables>(region, noWait);
+  loamshow::SwitchState state;
+  state.counters = tables;
   for (const Region::Manager& fap : region->managers()) {
-    const RegionShmemManager manager(region, fap, noWait);
-    for (const auto& [name, counters] : manager.snapshots()) {
-      for (const U32 index : {0U, 1U, counters - 1, counters}) manager.counter(name, index);
-    }
+    state.debugFaps.push_back({fap.fap, nullptr, Mote::make<RegionShmemManager>(region, fap, noWait)});
+  }
+  std::string text;
+  loamshow::JsonWriter out(text, loamshow::JsonWriter::Layout::oneLine);
+  loamshow::capture(state, out);  // reads every record
+  for (const auto& [intf, place] : region->interfaces()) {
+    tables->ingressTcCounter(Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, intf);
+    tables->ingressCounter({intf, Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, 79});
   }
 }
 

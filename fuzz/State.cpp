@@ -65,10 +65,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       history.beginAt("state", loamshow::parseState("state", input.substr(text.size() + 1)));
     }
     const loamshow::Shown shown = history.advance(state);
-    for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu", "top"}) {
+    for (const char* name : {"queues", "ingress", "cpu", "drops", "acl", "mtu", "debug", "top"}) {
       for (const U32 format : {1U, 2U}) ask(shown, name, format, fd);
     }
-    ask(shown, "debug", 1, fd);
     const std::string copy = captured(state);
     loamfuzz::require(captured(loamshow::parseState("copy", copy)) == copy);
   } catch (const loamshow::InputError& error) {

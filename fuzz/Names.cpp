@@ -1,6 +1,5 @@
-// Names of interfaces, in any order and as arguments: the natural order is a strict weak ordering
-// (irreflexive, asymmetric, and transitive, as is equivalence), and arguments select interfaces or are
-// explained.
+// Names of interfaces: their natural order is a strict weak ordering, and as arguments they select interfaces
+// or are explained.
 
 #include <algorithm>
 

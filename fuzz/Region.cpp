@@ -4,14 +4,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "fuzz/Fuzz.h"
 #include "loamshow/state/Capture.h"
-#include "loamshow/state/RegionState.h"
 #include "loamshow/state/StateFile.h"
+#include "platform/counteragent/RegionImage.h"
 #include "platform/counteragent/RegionReader.h"
 
 namespace {
@@ -26,11 +22,9 @@ std::string wholeRegion() {
       "egress": {"E1": {}}, "egressTm": {"E2": {}}, "egressLag": {"P": {}}, "egressAcl": {"P": 1},
       "egressMtu": {"0": {}, "1": {}}},
     "debug": {"faps": {"F1": {"snapshots": {"now": [{}, {}, {}], "then": []}}, "F2": {"snapshots": {}}}}})");
-  const std::string path = std::filesystem::temp_directory_path() / ("region." + std::to_string(::getpid()));
-  const CounterRegionWriter writer = loamshow::publish(state, path);
-  std::ifstream file(path, std::ios::binary);
-  writer.remove();
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::vector<DebugCounters> debug;
+  for (const loamshow::DebugFap& fap : state.debugFaps) debug.push_back({fap.name, fap.manager});
+  return regionImage("{}", *state.counters, debug);
 }
 
 void readAll(const Region::PtrConst& region) {

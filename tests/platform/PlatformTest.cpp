@@ -22,7 +22,7 @@ TEST(Threads, CountTheUsersOfANode) {
     std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i) {
       threads.emplace_back([&] {
-        for (int j = 0; j < 100'000; ++j) const Mote::Ptr<const Mote::Node> copy = node;
+        for (int j = 0; j < 1'000'000; ++j) const Mote::Ptr<const Mote::Node> copy = node;
       });
     }
   }
@@ -103,8 +103,6 @@ TEST(Vane, AWalkGoesOnAboveItsEntryWhateverChanges) {
   const Ports sameVersion = ports({1, 4, 5});
   Ports elsewhere = ports({7, 8, 9});
   const std::pair<std::function<void(Ports&)>, std::vector<U32>> cases[] = {
-      {[](Ports&) {}, {101, 102, 103}},
-      {[](Ports& all) { all.remove(1); }, {101, 102, 103}},
       {[](Ports& all) { all.remove(2); }, {101, 102, 103}},
       {[](Ports& all) { all.remove(3); }, {101, 102}},
       {[](Ports& all) { all.clear(); }, {101, 102}},
@@ -124,24 +122,21 @@ TEST(Vane, AWalkGoesOnAboveItsEntryWhateverChanges) {
   Ports all = ports({1, 2, 3});
   const U32 made = all.version();
   all = ports({1, 2, 3});
-  const U32 assigned = all.version();
-  all.set(3, Port(103));
-  EXPECT_NE(assigned, made);
-  EXPECT_NE(all.version(), assigned);
-  EXPECT_EQ(all.remove(3), Port(103));
+  all.set(3, Port(9));
+  EXPECT_EQ(all.remove(3), Port(9));
   EXPECT_EQ(all.remove(3), Hardware::Loam::nullPort);
+  EXPECT_EQ(all.version(), made + 3);
 }
 
 TEST(Records, AreTheirCountsUpToTheLastSetAndAreAssignedWhole) {
   using namespace LoamCounters;
   const std::vector<IngressCounter> queues = {{{1, 2, 3, 4}}, {}, {{5, 6, 7, 8}}};
-  const IngressTcCounter given({{9, 9, 9, 9}}, queues);
-  IngressTcCounter longer;
-  longer.queueIs(IngressCounterIndex(6), queues[0]);
-  longer = given;
-  EXPECT_EQ(longer.total, given.total);
-  EXPECT_TRUE(std::ranges::equal(longer.queues(), queues));
-  EXPECT_EQ(longer[IngressCounterIndex(6)], IngressCounter());
+  IngressTcCounter record;
+  record.queueIs(IngressCounterIndex(6), queues[0]);
+  record = IngressTcCounter(queues[2], queues);
+  EXPECT_EQ(record.total, queues[2]);
+  EXPECT_TRUE(std::ranges::equal(record.queues(), queues));
+  EXPECT_EQ(record[IngressCounterIndex(6)], IngressCounter());
 }
 
 TEST(Nexo, NamesAndKinds) {
@@ -160,7 +155,6 @@ TEST(Nexo, NamesAndKinds) {
     EXPECT_EQ(intf.kind(), kind) << name;
   }
   EXPECT_EQ(Nexo::IntfId(""), Nexo::IntfId());
-  EXPECT_NE(Nexo::IntfId("a"), Nexo::IntfId());
 }
 
 TEST(Threads, AgreeOnInterfaceIds) {
@@ -176,14 +170,14 @@ TEST(Threads, AgreeOnInterfaceIds) {
 }
 
 TEST(Keel, TimesAsText) {
-  const std::pair<double, const char*> cases[] = {
-      {-0.5, "1969-12-31 23:59:59"},      {951782399.9, "2000-02-28 23:59:59"},
-      {951782400, "2000-02-29 00:00:00"}, {-62167219200, "0000-01-01 00:00:00"},
-      {-62167219200.5, "invalid"},        {253402300799.5, "9999-12-31 23:59:59"},
-      {253402300800, "invalid"},          {std::nan(""), "invalid"}};
+  const std::pair<double, const char*> cases[] = {{-0.5, "1969-12-31 23:59:59"},
+                                                  {951868799.9, "2000-02-29 23:59:59"},
+                                                  {-62167219200, "0000-01-01 00:00:00"},
+                                                  {-62167219200.5, "invalid"},
+                                                  {253402300799.5, "9999-12-31 23:59:59"},
+                                                  {253402300800, "invalid"},
+                                                  {std::nan(""), "invalid"}};
   for (const auto& [utc, text] : cases) EXPECT_EQ(Keel::utcTimestampString(Vane::Seconds(utc)), text);
-  EXPECT_EQ(Keel::MaybeU63(-7).stringValue(), "");
-  EXPECT_EQ(Keel::MaybeU63(0).stringValue(), "0");
 }
 
 }  // namespace

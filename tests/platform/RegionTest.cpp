@@ -22,8 +22,7 @@ namespace {
 
 using namespace LoamCounters;
 using loamshow::SwitchState;
-using testing::ElementsAre;
-using testing::ThrowsMessage;
+using namespace testing;
 using Clock = std::chrono::steady_clock;
 
 /// A region of a switch, in its own directory.
@@ -52,8 +51,11 @@ SwitchState busyState() {
   state["counters"]["egressAcl"] = {{"Ethernet1", 7}, {"Loopback0", nullptr}};
   state["counters"]["egressMtu"] = {{"7", {{"enqueuedPackets", 5}, {"totalPackets", 9}}},
                                     {"3", {{"droppedPackets", 1}}}};
-  state["counters"]["ingress"].push_back(
-      {{"fapId", 0}, {"coreId", 6}, {"intfId", ""}, {"queues", Json::array({quad(1)})}, {"total", quad(9)}});
+  state["counters"]["ingress"].push_back({{"fapId", 0},
+                                          {"coreId", 6},
+                                          {"intfId", "Ethernet1"},
+                                          {"queues", Json::array({quad(1)})},
+                                          {"total", quad(9)}});
   state["debug"]["faps"]["F1"]["snapshots"] = {
       {"now", Json::array({{{"value", 3}, {"lastUpdate", 1.5}, {"overflow", true}}, {{"value", 4}}})},
       {"old", Json::array()}};
@@ -92,19 +94,14 @@ TEST(Region, HoldsWhatItsSwitchHolds) {
     EXPECT_EQ(captured(made.read()), captured(state));
     EXPECT_THAT(made.directory.names(), ElementsAre("region")) << "no file of the making is left";
 
-    // Sums, and keys without a record.
+    // The last queue of a record, and what has no record.
     const RegionTables tables(made.mapped());
-    const RecordTables& want = *state.counters;
-    for (const Nexo::IntfId intf : {intf1, Nexo::IntfId("nobody"), Nexo::IntfId()}) {
-      for (const auto& [fap, core] :
-           {std::pair(fap3, core1), std::pair(fap3, LocalCoreId(5)), std::pair(nullFap, aggregateCore)}) {
-        EXPECT_TRUE(same(tables.ingressTcCounter(fap, core, intf), want.ingressTcCounter(fap, core, intf)));
-        for (const U8 t : {U8{0}, U8{7}, U8{8}, U8{79}}) {
-          const IngressCounterKey queue{intf, fap, core, t};
-          EXPECT_EQ(tables.ingressCounter(queue), want.ingressCounter(queue)) << int{t};
-        }
+    for (const Nexo::IntfId intf : {intf1, Nexo::IntfId("nobody")}) {
+      EXPECT_EQ(tables.ingressSources(intf), state.counters->ingressSources(intf));
+      for (const auto& [core, t] : {std::pair(1U, U8{7}), {1U, U8{8}}, {5U, U8{0}}}) {
+        const IngressCounterKey queue{intf, fap3, LocalCoreId(core), t};
+        EXPECT_EQ(tables.ingressCounter(queue), state.counters->ingressCounter(queue));
       }
-      EXPECT_EQ(tables.ingressSources(intf), want.ingressSources(intf));
     }
   }
 }
@@ -170,41 +167,32 @@ struct Bytes {
 
 TEST(Region, IsRefusedWhenDamaged) {
   const std::string whole = Made(busyState()).content();
-  const auto refused = [](const std::string& bytes) {
-    try {
-      const Region region(MemoryFile(bytes).fd(), "R");
-      return std::string("none");
-    } catch (const RegionException& error) {
-      return std::string(error.what());
-    }
-  };
-  EXPECT_EQ(refused(whole), "none");
+  const auto map = [](const std::string& bytes) { Region(MemoryFile(bytes).fd(), "R"); };
   for (const std::size_t size : {sizeof(RegionHeader) - 1, whole.size() - 1}) {
-    EXPECT_EQ(refused(whole.substr(0, size)), "R: truncated counter region");
+    EXPECT_THAT([&] { map(whole.substr(0, size)); },
+                ThrowsMessage<RegionException>("R: truncated counter region"));
   }
   EXPECT_THROW(Region(-1, "R"), RegionException);
   constexpr U64 far = ~U64{0};
-  const char* const badText = "invalid offset or size of a text";
   const char* const badRecord = "invalid offset or size of a record";
   const char* const badInterfaces = "invalid offset or size of the interfaces";
-  const char* const badOrder = "sources of an interface out of order";
   const std::pair<void (*)(Bytes&), const char*> cases[] = {
       {[](Bytes& in) { in.header().magic[7] = 's'; }, "not a counter region"},
       {[](Bytes& in) { in.header().byteOrder = 0x04030201; }, "a counter region with another byte order"},
       {[](Bytes& in) { in.header().byteOrder = 0; }, "unknown byte order"},
       {[](Bytes& in) { in.header().version = 2; }, "a counter region of version 2, expected version 1"},
       {[](Bytes& in) { --in.header().size; }, "the size in its header is too small"},
-      {[](Bytes& in) { in.header().description.count = far; }, badText},
+      {[](Bytes& in) { in.header().description.count = far; }, "invalid offset or size of a text"},
       {[](Bytes& in) { in.header().interfaces.offset += 1; }, badInterfaces},
       {[](Bytes& in) { in.header().interfaces.count = far / 64 + 2; }, badInterfaces},
       {[](Bytes& in) { in.intf(1).name = in.intf(0).name; }, "a repeated interface"},
-      {[](Bytes& in) { in.intf(1).name.offset = far; }, badText},
+      {[](Bytes& in) { in.intf(1).name.offset = far; }, "invalid offset or size of a text"},
       {[](Bytes& in) { in.bytes[in.intf(1).name.offset] = '\0'; }, "a name with U+0000"},
       {[](Bytes& in) { in.bytes[in.intf(1).name.offset] = '\xff'; }, "a name that is not UTF-8"},
       {[](Bytes& in) { in.intf(1).sources.count = far; }, "invalid offset or size of an interface's sources"},
       {[](Bytes& in) { in.intf(1).sources = in.intf(0).sources = in.part(17); }, "damaged"},
-      {[](Bytes& in) { std::swap(in.source(0), in.source(1)); }, badOrder},
-      {[](Bytes& in) { in.source(1) = in.source(0); }, badOrder},
+      {[](Bytes& in) { std::swap(in.source(0), in.source(1)); }, "sources of an interface out of order"},
+      {[](Bytes& in) { in.source(1) = in.source(0); }, "sources of an interface out of order"},
       {[](Bytes& in) { in.source(0).fap = 2047; }, "an unknown FAP or core"},
       {[](Bytes& in) { in.source(0).core = 7; }, "an unknown FAP or core"},
       {[](Bytes& in) { in.source(0).queues = 81; }, "a record with too many queues"},
@@ -228,8 +216,8 @@ TEST(Region, IsRefusedWhenDamaged) {
   for (const auto& [damage, problem] : cases) {
     Bytes region{whole};
     damage(region);
-    EXPECT_THAT(refused(region.bytes),
-                testing::AllOf(testing::StartsWith("R: "), testing::HasSubstr(problem)));
+    EXPECT_THAT([&] { map(region.bytes); },
+                ThrowsMessage<RegionException>(AllOf(StartsWith("R: "), HasSubstr(problem))));
   }
 }
 
@@ -287,15 +275,13 @@ TEST(Threads, ReadRecordsOfARegionWhole) {
   const RegionTables tables(made.mapped());
   const auto end = Clock::now() + std::chrono::seconds(3);
   U64 last = 0;
-  U64 changes = 0;
   while (Clock::now() < end) {
     const IngressTcCounter read = tables.ingressTcCounter(fap3, core1, intf1);
     const U64 before = std::exchange(last, read.total.enqueuedPackets);
     ASSERT_TRUE(same(read, telling(last)));
     ASSERT_GE(last, before) << "never back to an older one";
-    changes += last != before ? 1 : 0;
   }
-  EXPECT_GT(changes, 10U);  // a low limit, for busy machines
+  EXPECT_GT(last, 10U);  // a low limit, for busy machines
 }
 
 }  // namespace

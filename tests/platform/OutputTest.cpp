@@ -127,22 +127,20 @@ TEST(Printer, RefusesBrokenNesting) {
   };
   expectDeath("insideObject", [](Printer& out) { out.startSubmodel("s"); });
   expectDeath("insideObject", [](Printer& out) { out.start(), out.startDict("d"), out.startSubmodel("s"); });
-  expectDeath("insideObject", [](Printer& out) {
-    tabula::Attr64Info number("a", out);
-    number.setValue(1);
-    out.start(), out.startDict("d"), out.addArgs<"%llu">(number.getArg());
-  });
+  static constexpr auto addText = [](Printer& out) {
+    tabula::StringAttrInfo info("a", out);
+    info.setValue("text");
+    out.addArgs<"%s">(info.getArg());
+    static_cast<tabula::Attr32Info&>(info).getArg();
+  };
+  expectDeath("insideObject", [](Printer& out) { out.start(), out.startDict("d"), addText(out); });
+  expectDeath("isOfItsKind", [](Printer& out) { out.start(), addText(out); });
   expectDeath("closesInnermost", [](Printer& out) { out.start(), out.startDict("d"), out.end(); });
   expectDeath("everyScopeClosed", [](Printer& out) { out.start(); });
   expectDeath("startedOnce", [](Printer& out) { out.start(), out.start(); });
   expectDeath("startedOnce", [](Printer& out) { out.start(), out.end(), out.start(); });
   expectDeath("isDescriptor", [](Printer& out) { out.start(), out.addArgs<"%s">("n/a"); });
   expectDeath("hasValue", [](Printer& out) { tabula::Attr64Info("a", out).getArg(); });
-  expectDeath("isOfItsKind", [](Printer& out) {
-    tabula::StringAttrInfo info("a", out);
-    info.setValue("text");
-    static_cast<tabula::Attr32Info&>(info).getArg();
-  });
 }
 
 /// What `work` writes to standard output.

@@ -18,14 +18,13 @@ namespace {
 
 TEST(Threads, CountTheUsersOfANode) {
   const Mote::Ptr<const Mote::Node> node = Mote::make<Hardware::Loam::Status>();
-  {
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 4; ++i) {
-      threads.emplace_back([&] {
-        for (int j = 0; j < 1'000'000; ++j) const Mote::Ptr<const Mote::Node> copy = node;
-      });
-    }
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int j = 0; j < 1'000'000; ++j) const Mote::Ptr<const Mote::Node> copy = node;
+    });
   }
+  threads.clear();
   EXPECT_EQ(node->users(), 1U);
   EXPECT_EQ(node->publisher(), node.get());
 }

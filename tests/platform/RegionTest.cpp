@@ -81,8 +81,6 @@ const Nexo::IntfId intf3("Ethernet3");
 const Nexo::IntfId po1("Port-Channel1");
 const FapId fap3(3);
 const LocalCoreId core1(1);
-constexpr auto nullFap = Hardware::Loam::nullFap;
-constexpr auto aggregateCore = Hardware::Loam::aggregateCore;
 
 EgressCounterKey keyOf(Nexo::IntfId intf) {
   return {intf, 56};
@@ -234,10 +232,11 @@ TEST(Region, NamesARecordThatStaysHalfWritten) {
   const U64 lag = region->interface(po1).egressLag;
   const U64 secondNow = f1.snapshots.at(0).records.offset + region::recordSize(region::debugWords);
   const IngressCounterKey queue{intf1, fap3, core1, 2};
+  constexpr auto all = Hardware::Loam::aggregateCore;
   const char* const ingress = "ingress counters of Ethernet1 on FAP 3, core 1";
   const std::tuple<U64, std::function<void()>, std::string> cases[] = {
       {queues1, [&] { tables.ingressTcCounter(fap3, core1, intf1); }, ingress},
-      {queues1, [&] { tables.ingressTcCounter(nullFap, aggregateCore, intf1); }, ingress},
+      {queues1, [&] { tables.ingressTcCounter(Hardware::Loam::nullFap, all, intf1); }, ingress},
       {queues1, [&] { tables.ingressCounter(queue); }, ingress},
       {at1.egress, [&] { tables.egressCounter(keyOf(intf1)); }, "egress counters of Ethernet1"},
       {tm3, [&] { tables.egressTmCounter(keyOf(intf3)); }, "egress TM counters of Ethernet3"},
@@ -273,9 +272,8 @@ TEST(Threads, ReadRecordsOfARegionWhole) {
     for (U64 i = 1; !stop.stop_requested(); ++i) write(i);
   });
   const RegionTables tables(made.mapped());
-  const auto end = Clock::now() + std::chrono::seconds(3);
   U64 last = 0;
-  while (Clock::now() < end) {
+  for (const auto end = Clock::now() + std::chrono::seconds(3); Clock::now() < end;) {
     const IngressTcCounter read = tables.ingressTcCounter(fap3, core1, intf1);
     const U64 before = std::exchange(last, read.total.enqueuedPackets);
     ASSERT_TRUE(same(read, telling(last)));

@@ -25,7 +25,7 @@ void compare(const Value&... values) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   loamfuzz::Input input(data, size);
-  const unsigned width = static_cast<unsigned>(input.number(100));
+  const auto width = static_cast<unsigned>(input.number(100));
   const unsigned long long number = input.number(~U64{0}) >> input.number(64);
   const std::string drawn = input.text(100);
   const char* const text = drawn.c_str();  // ends at a NUL

@@ -11,14 +11,14 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using LoamCounters::naturalCompare;
   loamfuzz::Input input(data, size);
-  // Few different characters, so that names have long common prefixes and differ in all respects that matter.
-  const auto name = [&] {
-    constexpr std::string_view characters = "0019. aAbB\xc3-,/";
-    std::string text;
-    for (U64 left = input.number(10); left > 0; --left) text += characters[input.number(characters.size())];
-    return text;
+  // Few different parts, so that names have common prefixes, and arguments are names, lists or ranges.
+  const auto text = [&input](const auto& parts) {
+    std::string made;
+    for (U64 left = input.number(10); left > 0; --left) made += parts[input.number(std::size(parts))];
+    return made;
   };
-  const std::string names[] = {name(), name(), name()};
+  constexpr std::string_view characters = "0019. aAbB\xc3-";
+  const std::string names[] = {text(characters), text(characters), text(characters)};
   const auto same = [](const std::string& a, const std::string& b) {
     return !naturalCompare(a, b) && !naturalCompare(b, a);
   };
@@ -32,9 +32,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       }
     }
   }
-  const std::vector<Nexo::IntfId> interfaces(std::begin(names), std::end(names));
+  constexpr std::string_view parts[] = {"a9", "A1", "0", "-", "1", ","};
+  const std::vector<Nexo::IntfId> interfaces = {Nexo::IntfId("a9"), Nexo::IntfId("a10"), Nexo::IntfId("a11")};
   try {
-    for (const Nexo::IntfId intf : loamshow::selectInterfaces(interfaces, {name(), names[0] + name()})) {
+    for (const Nexo::IntfId intf : loamshow::selectInterfaces(interfaces, {text(parts)})) {
       loamfuzz::require(std::find(interfaces.begin(), interfaces.end(), intf) != interfaces.end());
     }
   } catch (const loamshow::InputError& error) {

@@ -1,5 +1,4 @@
-// A counter region with damaged bytes is either rejected with a message that names it, or all its records can
-// be read.
+// A counter region with damaged bytes: either rejected with a message that names it, or readable.
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -32,7 +32,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       }
     }
   }
-  constexpr std::string_view parts[] = {"a9", "A1", "0", "-", "1", ","};
+  constexpr std::string_view parts[] = {"a9", "A10", "-", "11", ","};
   const std::vector<Nexo::IntfId> interfaces = {Nexo::IntfId("a9"), Nexo::IntfId("a10"), Nexo::IntfId("a11")};
   try {
     for (const Nexo::IntfId intf : loamshow::selectInterfaces(interfaces, {text(parts)})) {

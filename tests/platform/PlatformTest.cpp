@@ -147,7 +147,7 @@ TEST(Nexo, NamesAndKinds) {
       {"Ethernet-1", "Et-1", Kind::other},         {"ethernet1", "ethernet1", Kind::other},
       {"Port-Channel7", "Po7", Kind::portChannel}, {"Port-Channel7.1", "Po7.1", Kind::subInterface},
       {"Port-Channel", "Po", Kind::other},         {".5", ".5", Kind::subInterface},
-      {"MyEthernet1", "MyEthernet1", Kind::other}};
+      {"Ethernet1.", "Et1.", Kind::ethernet}};
   for (const auto& [name, shortName, kind] : cases) {
     const Nexo::IntfId intf(name);
     EXPECT_EQ(intf.shortName(), shortName);

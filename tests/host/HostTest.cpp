@@ -16,35 +16,12 @@ namespace {
 using Strings = std::vector<std::string>;
 
 // The fuzz target compares names, texts and objects with another library.
-TEST(JsonWriter, WritesEveryScalarInBothLayouts) {
-  const auto write = [](loamshow::JsonWriter& out) {
-    out.beginArray();
-    for (const double number : {0.0, 1.5, 1700000000.0, -0.1, 1e16, 1e17, 1e-5, 1.25e-6, 5e-324}) {
-      out.value(number);
-    }
-    out.value(U8{7});
-    out.beginObject();
-    out.member("no", false);
-    out.endObject();
-    out.value(true);
-    out.null();
-    out.beginArray();
-    out.endArray();
-    out.endArray();
-  };
-  using Layout = loamshow::JsonWriter::Layout;
-  const std::string expected =
-      "[0,1.5,1700000000,-0.1,10000000000000000,1e+17,0.00001,1.25e-06,5e-324,7,{\"no\":false},true,null,[]]"
-      "\n";
-  std::string pieces;
-  loamshow::JsonWriter oneLine([&](std::string_view piece) { pieces += piece; }, Layout::oneLine);
-  for (int i = 0; i < 2; ++i) write(oneLine);
-  EXPECT_EQ(pieces, expected + expected);
-  std::string lines;
-  loamshow::JsonWriter indented(lines, Layout::indented);
-  write(indented);
-  EXPECT_THAT(lines, testing::StartsWith("[\n  0,\n  1.5,\n"));
-  EXPECT_THAT(lines, testing::EndsWith("  7,\n  {\n    \"no\": false\n  },\n  true,\n  null,\n  []\n]\n"));
+TEST(JsonWriter, WritesNumbersWithoutExponentIfTheyFitIntoSeventeenDigits) {
+  std::string written;
+  for (const double number : {0.0, 1.5, 1700000000.0, -0.1, 1e16, 1e17, 1e-5, 1.25e-6, 5e-324}) {
+    loamshow::JsonWriter(written, loamshow::JsonWriter::Layout::oneLine).value(number);
+  }
+  EXPECT_EQ(written, "0\n1.5\n1700000000\n-0.1\n10000000000000000\n1e+17\n0.00001\n1.25e-06\n5e-324\n");
 }
 
 TEST(IntfArguments, NameInterfacesInManyWays) {
@@ -118,17 +95,6 @@ Strings warned(const char* patch, const Strings& arguments) {
   return loamshow::warnings(parsed(arguments), loamshow::parseState("state", state.dump()));
 }
 
-/// Whether a model has an entry of that name, with rows if it is one for rows.
-bool hasRows(const Json& model, const std::string& name) {
-  if (!model.is_object()) return false;
-  for (const auto& [key, value] : model.items()) {
-    const bool isEntry =
-        key == name && !(value.contains("trafficClasses") && value["trafficClasses"].empty());
-    if (isEntry || hasRows(value, name)) return true;
-  }
-  return false;
-}
-
 constexpr const char* unchanged = "{}";
 constexpr const char* noSubIntfVoqs = R"({"status": {"subIntfNumVoqs": 0}})";
 constexpr const char* noCores = R"({"status": {"fapNumCores": {"3": 0, "7": null}}})";
@@ -172,8 +138,9 @@ TEST(Warnings, AreOfExactlyTheInterfacesThatAnAnswerLeavesOut) {
     state.merge_patch(Json::parse(patch));
     for (const char* command : {"queues", "ingress", "drops", "acl"}) {
       for (const std::string name : state["interfaces"]) {
-        const Json model = Json::parse(answer(state, {command, name, "-j"}));
-        EXPECT_EQ(warned(patch, {command, name}).empty(), hasRows(model, name))
+        const std::string row = "\n" + std::string(Nexo::IntfId(name).shortName()) + " ";
+        EXPECT_EQ(warned(patch, {command, name}).empty(),
+                  answer(state, {command, name}).find(row) != std::string::npos)
             << patch << ' ' << command << ' ' << name;
       }
     }

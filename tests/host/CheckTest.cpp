@@ -56,12 +56,10 @@ TEST(Check, NamesEveryMistakeThatAStatePlants) {
         "/status/fapNumCores/10: 8 cores: drops shows at most 6, ingress and cpu at most 7",
         "/status/coppClassNumVoqs: 81 VOQs: cpu shows at most 80"}},
       {R"({"status": {"fapNumCores": {"3": 5}, "coppClassNumVoqs": 80}})", {}},
-      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 6, "7": 4}, "coppClassNumVoqs": 1}})",
-       {}},
       {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 6, "7": 4}, "coppClassNumVoqs": 2}})",
        {"/status/fapNumCores/3: cpu needs FAP port 257 (perInputPortCoppVoqs, coppClassNumVoqs 2), but the "
         "highest is 256"}},
-      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 7}, "coppClassNumVoqs": 1}})",
+      {R"({"perInputPortCoppVoqs": true, "status": {"fapNumCores": {"3": 7, "7": 6}, "coppClassNumVoqs": 1}})",
        {"/status/fapNumCores/3: 7 cores: drops shows at most 6, ingress and cpu at most 7",
         "/status/fapNumCores/3: cpu needs FAP port 384 (perInputPortCoppVoqs, coppClassNumVoqs 1), but the "
         "highest is 256"}},

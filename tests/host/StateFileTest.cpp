@@ -144,12 +144,19 @@ TEST(Source, EndsWhatHasNoEnd) {
   EXPECT_EQ(problem("/nowhere", 10), "unreadable: /nowhere: cannot read: No such file or directory");
 }
 
+std::string captured(const std::string& state, decltype(loamshow::capture)* capture = loamshow::capture) {
+  std::string written;
+  loamshow::JsonWriter out(written, loamshow::JsonWriter::Layout::indented);
+  capture(loamshow::parseState("s.json", state), out);
+  return written;
+}
+
 // The schema test checks that every member is written.
 TEST(Capture, WritesWhatIsNotAtItsDefaultInOneOrder) {
   const struct {
     const char* path;
     const char* state;
-    const char* captured;  // empty: nothing of the state
+    const char* written;  // empty: nothing of the state
   } cases[] = {
       {"",
        R"({"debug": {"switchTimeOffset": -0.0, "faps": {}}, "interfaces": ["b", "a"], "switch": {"name": "s"}})",
@@ -188,13 +195,14 @@ TEST(Capture, WritesWhatIsNotAtItsDefaultInOneOrder) {
        R"({"A": {"Y": {"displayName": ""}, "z": {}}, "b": {}})"},
       {"/debug/faps/F/snapshots", R"({"b": [{"value": 0, "lastUpdate": 3e-7}, {}], "a": []})",
        R"({"a": [], "b": [{"lastUpdate": 3e-7}, {}]})"}};
-  for (const auto& [path, state, captured] : cases) {
-    std::string written;
-    loamshow::JsonWriter out(written, loamshow::JsonWriter::Layout::indented);
-    loamshow::capture(loamshow::parseState("s.json", stateWith(path, state)), out);
-    const std::string expected = *captured == '\0' ? "{}" : stateWith(path, captured);
-    EXPECT_EQ(written, Json::parse(expected).dump(2) + "\n");
+  for (const auto& [path, state, written] : cases) {
+    const std::string expected = *written == '\0' ? "{}" : stateWith(path, written);
+    EXPECT_EQ(captured(stateWith(path, state)), Json::parse(expected).dump(2) + "\n");
   }
+  EXPECT_EQ(
+      captured(R"({"counters": {"egressAcl": {"a": 1}}, "debug": {"faps": {"F": {"snapshots": {"a": []}}}}})",
+               loamshow::captureDescription),
+      R"({"debug": {"faps": {"F": {}}}})"_json.dump(2) + "\n");
 }
 
 }  // namespace

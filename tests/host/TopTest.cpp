@@ -26,7 +26,7 @@ Json lossySwitch() {
       {"fapId": 3, "coreId": 0, "intfId": "Port-Channel1", "queues": [[0, 0, 0, 0], [0, 0, 600000, 1200000]]},
       {"fapId": 7, "coreId": 0, "intfId": "Port-Channel1", "queues": [[0, 0, 0, 0], [0, 0, 400000, 800000]]},
       {"fapId": 3, "coreId": 1, "intfId": "CoppQueues", "queues": [[0, 0, 0, 0], [0, 0, 12, 1200]]},
-      {"fapId": 7, "coreId": 0, "intfId": "CoppPolicer", "total": [0, 0, 9, 900]}
+      {"fapId": 3, "coreId": 0, "intfId": "CoppPolicer", "total": [0, 0, 12, 900]}
     ],
     "egress": {"Ethernet1": {"queues": [[0, 0, 100, 5000]]}, "CpuTm0": {"queues": [[0, 0, 3, 33]]}},
     "egressTm": {"CpuTm0": {"queues": [{"mcast": [0, 0, 2, 22]}]}},
@@ -68,24 +68,24 @@ Po1               TC1   egress multicast            40               4,400 <0.1%
 Et1.5             TC0-1 VOQ A.1                     30               3,000 <0.1%
 -                       MTU A                       21                 n/a <0.1%
 CoppQueues        TC1   CPU A.1                     12               1,200 <0.1%
-CoppPolicer             policer B                    9                 900 <0.1%
+CoppPolicer             policer A.0                 12                 900 <0.1%
 CpuTm0                  CPU port unicast             3                  33 <0.1%
 CpuTm0            CPU port multicast                 2                  22 <0.1%
-Total                                        1,000,597           2,031,355  100%
+Total                                        1,000,600           2,031,355  100%
 )");
   EXPECT_EQ(
       rows("-n 0"),
       "Port-Channel1 TC1 voq;Ethernet1 TC1 voq A.0;Ethernet1 TC1 voq B;Ethernet1 TC0 egressUnicast;"
       "Ethernet3 acl;Port-Channel1 acl;Port-Channel1 TC1 egressUnicast;Port-Channel1 TC1 egressMulticast;"
-      "Ethernet1.5 TC0-1 voq A.1;mtu A;CoppQueues TC1 cpuVoq A.1;CoppPolicer cpuPolicer B;"
+      "Ethernet1.5 TC0-1 voq A.1;mtu A;CoppQueues TC1 cpuVoq A.1;CoppPolicer cpuPolicer A.0;"
       "CpuTm0 cpuEgressUnicast;CpuTm0 cpuEgressMulticast;");
 }
 
 TEST(Top, RanksByOctetsShowsTheFirstRowsAndChoosesInterfaces) {
   const std::string first = R"("losses":[{"interface":"Port-Channel1","queue":"TC1","kind":"voq",)"
                             R"("droppedPackets":1000000,"droppedBytes":2000000}]})";
-  EXPECT_EQ(shown("-n 1").dump(), R"({"droppedPackets":1000597,"droppedBytes":2031355,)" + first);
-  EXPECT_EQ(shown("-n 1 --by octets").dump(), R"({"droppedPackets":1000436,"droppedBytes":2031362,)" + first);
+  EXPECT_EQ(shown("-n 1").dump(), R"({"droppedPackets":1000600,"droppedBytes":2031355,)" + first);
+  EXPECT_EQ(shown("-n 1 --by octets").dump(), R"({"droppedPackets":1000439,"droppedBytes":2031362,)" + first);
   EXPECT_EQ(rows("--by octets -n 6"),
             "Port-Channel1 TC1 voq;Ethernet1 TC1 voq A.0;Ethernet1 TC1 voq B;Ethernet1 TC0 egressUnicast;"
             "Port-Channel1 TC1 egressMulticast;Port-Channel1 TC1 egressUnicast;");

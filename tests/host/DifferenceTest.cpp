@@ -37,7 +37,8 @@ TEST(Since, CountsFromTheEarlierValueUnlessItWasCleared) {
       {"[1, 2, 3, 4]", "", "[0, 0, 0, 0]"}};
   const Cases counts = {{"5", "12", "7"}, {"5", "5", "0"},       {"12", "5", "5"}, {"null", "5", "5"},
                         {"", "5", "5"},   {"5", "null", "null"}, {"5", "", "null"}};
-  const std::tuple<const Cases&, const char*, const char*> places[] = {
+  const std::string egress = "queues /egressQueueCounters/interfaces/";
+  const std::tuple<const Cases&, const char*, std::string> places[] = {
       {quads,
        R"({"ingress": [{"fapId": 3, "coreId": 1, "intfId": "Ethernet1", "queues": [[9, 9, 9, 9], $]}]})",
        "ingress /sources/A.1/interfaces/Ethernet1/trafficClasses/TC1"},
@@ -46,14 +47,11 @@ TEST(Since, CountsFromTheEarlierValueUnlessItWasCleared) {
       {quads, R"({"ingress": [{"fapId": 7, "coreId": 0, "intfId": "FabricMcast0", "queues": [$]}]})",
        "ingress /sources/B/interfaces/FabricMcast0/trafficClasses/TC0 --internal"},
       {quads, R"({"egress": {"Ethernet1": {"queues": [[9, 9, 9, 9], $]}}})",
-       "queues "
-       "/egressQueueCounters/interfaces/Ethernet1/ucastQueues/trafficClasses/TC1/dropPrecedences/DP0-3"},
+       egress + "Ethernet1/ucastQueues/trafficClasses/TC1/dropPrecedences/DP0-3"},
       {quads, R"({"egressTm": {"Ethernet3": {"queues": [{"ucast": [9, 9, 9, 9], "mcast": $}]}}})",
-       "queues "
-       "/egressQueueCounters/interfaces/Ethernet3/mcastQueues/trafficClasses/TC0/dropPrecedences/DP0-3"},
+       egress + "Ethernet3/mcastQueues/trafficClasses/TC0/dropPrecedences/DP0-3"},
       {quads, R"({"egressLag": {"Port-Channel1": {"queues": [{"ucast": $, "mcast": [9, 9, 9, 9]}]}}})",
-       "queues "
-       "/egressQueueCounters/interfaces/Port-Channel1/ucastQueues/trafficClasses/TC0/dropPrecedences/DP0-3"},
+       egress + "Port-Channel1/ucastQueues/trafficClasses/TC0/dropPrecedences/DP0-3"},
       {counts, R"({"egressAcl": {"Ethernet1": $}})", "acl /interfaces/Ethernet1/mlagPackets"},
       {counts, R"({"egressMtu": {"3": {"enqueuedPackets": $}}})", "mtu /destinations/A/enqueuedPackets"},
       {counts, R"({"egressMtu": {"3": {"droppedPackets": $}}})", "mtu /destinations/A/droppedPackets"},
@@ -75,7 +73,7 @@ TEST(Since, CountsFromTheEarlierValueUnlessItWasCleared) {
 TEST(Since, ASumIsTheSumOfTheDifferences) {
   const auto stateOf = [](const Json& quads) {
     Json state = smallSwitch();
-    for (int i = 0; i < 3; ++i) state["counters"]["ingress"][i]["queues"] = {quads[i]};
+    for (std::size_t i = 0; i < 3; ++i) state["counters"]["ingress"][i]["queues"] = {quads[i]};
     return state;
   };
   // The first source has continued counting, the second was cleared, the third had no record.

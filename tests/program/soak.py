@@ -24,14 +24,11 @@ SHOWN = ["queues --internal", "ingress --internal", "cpu", "cpu --summary", "dro
 COMMANDS = [f"{command} --format {form}".split() for command in SHOWN for form in ("text", "json")]
 COMMANDS += [["debug"], ["capture"], ["check"]]
 STATUS = {"check": 1}  # the sample has findings
-COUNTS = ("enqueuedPackets", "enqueuedBytes", "droppedPackets", "droppedBytes")
 
 
 def quads(value):
-    """The quads of JSON output or of the counters of a state, each a list."""
+    """The quads of JSON output or of the counters of a state: lists of four counts, or objects with four."""
     if isinstance(value, dict):
-        if "enqueuedBytes" in value:
-            yield [value[count] for count in COUNTS]
         value = [item for key, item in value.items() if key != "ambiguousTcs"]
     if isinstance(value, list):
         if len(value) == 4 and all(isinstance(item, int) for item in value):

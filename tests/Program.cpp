@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <pty.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,6 +19,8 @@
 #include "tests/Support.h"
 
 namespace loamtest {
+
+using std::chrono::milliseconds;
 
 Program::Program(const std::vector<std::string>& arguments, int out, int err, const char* executable) {
   std::vector<std::string> words = {executable};
@@ -29,12 +34,6 @@ Program::Program(const std::vector<std::string>& arguments, int out, int err, co
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
   if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
   ::dup2(err, STDERR_FILENO);
-  const char* state = ::getenv("LOAM_TEST_STATE");
-  if (state == nullptr) {
-    ::unsetenv("LOAM_STATE");
-  } else {
-    ::setenv("LOAM_STATE", state, 1);
-  }
   ::execv(executable, argv.data());
   ::_exit(127);
 }
@@ -43,7 +42,7 @@ void Program::signal(int number) const {
   ::kill(pid_, number);
 }
 
-bool Program::ends(std::chrono::milliseconds within) const {
+bool Program::ends(milliseconds within) const {
   pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
   const bool ended = ::poll(&end, 1, static_cast<int>(within.count())) > 0;
   ::close(end.fd);
@@ -68,7 +67,7 @@ bool becomesTrue(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::this_thread::sleep_for(milliseconds(10));
   }
   return true;
 }
@@ -77,25 +76,19 @@ bool awaitText(const MemoryFile& file, const std::string& text) {
   return becomesTrue([&] { return file.content().find(text) != std::string::npos; });
 }
 
-std::string drained(int fd) {
-  std::string content;
-  std::array<char, 1000> part{};
-  pollfd end{fd, POLLIN, 0};
-  while (::poll(&end, 1, std::chrono::milliseconds(patience).count()) > 0) {
-    const ssize_t size = ::read(fd, part.data(), part.size());
-    if (size <= 0) break;
-    content.append(part.data(), static_cast<std::size_t>(size));
-  }
-  return content;
-}
-
 void awaitFull(int fd) {
   pollfd end{fd, POLLOUT, 0};
   const auto deadline = std::chrono::steady_clock::now() + patience;
   for (int full = 0; full<5; full = ::poll(&end, 1, 0)> 0 ? 0 : full + 1) {
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "nothing fills it";
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::this_thread::sleep_for(milliseconds(20));
   }
+}
+
+Terminal::Terminal() {
+  termios raw{};
+  ::cfmakeraw(&raw);
+  if (::openpty(ends, ends + 1, nullptr, &raw, nullptr) != 0) std::abort();
 }
 
 Pipe::Pipe() {
@@ -103,18 +96,36 @@ Pipe::Pipe() {
   ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
 }
 
-Pipe::~Pipe() {
+Socket::Socket() {
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) std::abort();
+  const int size = 4096;
+  ::setsockopt(ends[1], SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
+}
+
+Ends::~Ends() {
   closeEnd(0);
   closeEnd(1);
 }
 
-void Pipe::closeEnd(int end) {
+void Ends::closeEnd(int end) {
   if (ends[end] >= 0) ::close(std::exchange(ends[end], -1));
 }
 
-std::string Pipe::drain() {
+std::string Ends::readTo(const std::string& end) const {
+  std::string text;
+  std::array<char, 1000> part{};
+  pollfd readable{ends[0], POLLIN, 0};
+  while ((end.empty() || !text.ends_with(end)) && ::poll(&readable, 1, milliseconds(patience).count()) > 0) {
+    const ssize_t size = ::read(ends[0], part.data(), end.empty() ? part.size() : 1);
+    if (size <= 0) break;
+    text.append(part.data(), static_cast<std::size_t>(size));
+  }
+  return text;
+}
+
+std::string Ends::drain() {
   closeEnd(1);
-  return drained(ends[0]);
+  return readTo("");
 }
 
 }  // namespace loamtest

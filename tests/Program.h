@@ -16,8 +16,8 @@ namespace loamtest {
 /// test's limit.
 constexpr std::chrono::seconds patience(20);
 
-/// A running program, with standard output and error on descriptors of the test. Its LOAM_STATE is this
-/// process's LOAM_TEST_STATE, and its standard input is empty.
+/// A running program, with standard output and error on descriptors of the test. Its standard input is
+/// empty.
 class Program {
  public:
   Program(const std::vector<std::string>& arguments, int out, int err, const char* executable = LOAMSHOW);
@@ -45,22 +45,33 @@ bool becomesTrue(const std::function<bool()>& condition);
 /// Waits until a file contains a text; false if it does not get it.
 bool awaitText(const MemoryFile& file, const std::string& text);
 
-/// Reads until the last writer has closed the other end, or nothing more arrives.
-std::string drained(int fd);
-
 /// Waits until a descriptor without a reader is full.
 void awaitFull(int fd);
 
-struct Pipe {
-  Pipe();
-  Pipe(const Pipe&) = delete;
-  Pipe& operator=(const Pipe&) = delete;
-  ~Pipe();
+/// The end that is read, and the end that a program writes to.
+struct Ends {
+  Ends() = default;
+  Ends(const Ends&) = delete;
+  Ends& operator=(const Ends&) = delete;
+  ~Ends();
 
   void closeEnd(int end);
+  /// Reads up to and including that text; if it is empty, until the last writer has closed its end.
+  std::string readTo(const std::string& end) const;
+  /// Closes this process's writing end, and reads the rest.
   std::string drain();
 
   int ends[2] = {-1, -1};
+};
+/// Each takes a few kilobytes without a reader. The terminal writes what it gets without changes.
+struct Pipe : Ends {
+  Pipe();
+};
+struct Socket : Ends {
+  Socket();
+};
+struct Terminal : Ends {
+  Terminal();
 };
 
 }  // namespace loamtest

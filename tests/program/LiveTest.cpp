@@ -106,25 +106,20 @@ TEST(Live, TellsWhatBecameOfTheWriter) {
 }
 
 TEST(Live, SurvivesWhatBecomesOfTheFileWhileItIsRead) {
-  struct Case {
-    void (*change)(const std::string& path);
-    int status;
-    const char* problem;
-  };
-  const Case cases[] = {{[](const std::string& path) { std::filesystem::resize_file(path, 0); }, 2,
-                         "loamshow: .*/region: the counter region was truncated while it was read\n"},
-                        {[](const std::string& path) { std::filesystem::resize_file(path, 8192); }, 2,
-                         "loamshow: .*/region: the counter region was truncated while it was read\n"},
-                        {[](const std::string& path) {
-                           const std::string bytes(std::filesystem::file_size(path), '\xff');
-                           std::fstream(path, std::ios::in | std::ios::out) << bytes;
-                         },
-                         2, "loamshow: .*/region: damaged counter region: [^\n]*\n"},
-                        {[](const std::string& path) {
-                           std::ofstream(path + ".new") << "none";
-                           std::filesystem::rename(path + ".new", path);
-                         },
-                         0, ""}};
+  namespace fs = std::filesystem;
+  const std::string truncated = "loamshow: .*/region: the counter region was truncated while it was read\n";
+  const std::tuple<std::function<void(const std::string& path)>, int, std::string> cases[] = {
+      {[](const std::string& path) { fs::resize_file(path, 0); }, 2, truncated},
+      {[](const std::string& path) { fs::resize_file(path, 8192); }, 2, truncated},
+      {[](const std::string& path) {
+         std::fstream(path, std::ios::in | std::ios::out) << std::string(fs::file_size(path), '\xff');
+       },
+       2, "loamshow: .*/region: damaged counter region: [^\n]*\n"},
+      {[](const std::string& path) {
+         std::ofstream(path + ".new") << "none";
+         fs::rename(path + ".new", path);
+       },
+       0, ""}};
   for (const auto& [change, status, problem] : cases) {
     Live live(SAMPLE);
     live.stop(SIGKILL);
@@ -132,9 +127,8 @@ TEST(Live, SurvivesWhatBecomesOfTheFileWhileItIsRead) {
     const MemoryFile err;
     const Program show({"-s", live.region, "queues", "--internal", "--json"}, pipe.ends[1], err.fd());
     awaitFull(pipe.ends[1]);  // the program waits in the middle of its output
-    pipe.closeEnd(1);
     change(live.region);
-    static_cast<void>(pipe.drain());
+    pipe.drain();
     EXPECT_EQ(show.status(), status);
     EXPECT_THAT(err.content(), MatchesRegex(problem));
   }
@@ -194,21 +188,18 @@ TEST(Live, TheSimulatorExplainsWrongUsage) {
   const MemoryFile none;
   const TemporaryDirectory directory;
   const std::string both = SAMPLE " " + directory.path() + "/region";
-  const std::pair<std::string, int> cases[] = {{"", 2},
-                                               {SAMPLE, 2},
-                                               {"--speed -1 " + both, 2},
-                                               {"--bogus " + both, 2},
-                                               {"--for x " + both, 2},
-                                               {both + " more", 2},
-                                               {"/nowhere" + both, 2},
-                                               {SAMPLE " /nowhere/region", 1},
-                                               {"--for 0.1 " + both, 0},
-                                               {"--help", 0}};
-  for (const auto& [arguments, status] : cases) {
+  const auto expectStatus = [&](const std::string& arguments, int status) {
     const MemoryFile err;
     EXPECT_EQ(Program(words(arguments), none.fd(), err.fd(), LOAMSIM).status(), status) << arguments;
     EXPECT_THAT(err.content(), MatchesRegex(status == 0 ? "" : "loamsim: [^\n]+\n"));
+  };
+  for (const std::string& wrong : {std::string(), std::string(SAMPLE), "--speed -1 " + both,
+                                   "--bogus " + both, "--for x " + both, both + " more", "/nowhere" + both}) {
+    expectStatus(wrong, 2);
   }
+  expectStatus(SAMPLE " /nowhere/region", 1);
+  expectStatus("--for 0.1 " + both, 0);
+  expectStatus("--help", 0);
   EXPECT_EQ(directory.names(), std::vector<std::string>());
 }
 

@@ -2,18 +2,9 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <pty.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <thread>
 
 #include "tests/Program.h"
@@ -23,26 +14,26 @@ namespace loamtest {
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 
 TEST(Program, ReportsFindingsInBothFormats) {
   const MemoryFile clean("{}");
   const MemoryFile wrong(R"({"interfaces": ["a\nb"], "counters": {"egressAcl": {"a/b": 1}}})");
-  const std::tuple<const MemoryFile&, const char*, int, const char*> cases[] = {
-      {clean, "json", 0, "{\"findings\":[]}\n"},
-      {wrong, "text", 1,
-       "/interfaces/0: only acl can show a?b: it has no port\n"
-       "/counters/egressAcl/a~1b: the switch has no interface a/b; did you mean a?b?\n"},
-      {wrong, "json", 1,
-       R"({"findings":[{"member":"/interfaces/0","problem":"only acl can show a\nb: it has no port"},)"
-       R"({"member":"/counters/egressAcl/a~1b","problem":"the switch has no interface a/b; did you mean a\nb?"}]})"
-       "\n"}};
-  for (const auto& [file, format, status, out] : cases) {
-    const Ran ran = run({"check", "-s", file.path(), "--format", format, "--plugin", "/nowhere.so"});
-    EXPECT_EQ(ran.status, status);
-    EXPECT_EQ(ran.out, out);
-    EXPECT_EQ(ran.err, "");
-  }
+  const auto checked = [](const MemoryFile& file, const std::string& format, int status) {
+    const Ran ran = run(words("check --plugin /nowhere.so -f " + format + " -s " + file.path()));
+    EXPECT_EQ(ran.status, status) << ran.err;
+    return ran.out;
+  };
+  EXPECT_EQ(checked(clean, "json", 0), "{\"findings\":[]}\n");
+  EXPECT_EQ(checked(wrong, "text", 1),
+            "/interfaces/0: only acl can show a?b: it has no port\n"
+            "/counters/egressAcl/a~1b: the switch has no interface a/b; did you mean a?b?\n");
+  EXPECT_EQ(checked(wrong, "json", 1),
+            R"({"findings":[{"member":"/interfaces/0","problem":"only acl can show a\nb: it has no port"},)"
+            R"({"member":"/counters/egressAcl/a~1b",)"
+            R"("problem":"the switch has no interface a/b; did you mean a\nb?"}]})"
+            "\n");
 }
 
 TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {
@@ -68,18 +59,13 @@ TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {
   EXPECT_THAT(ranOn(8, "cpu").err, HasSubstr("LoamCounters::IngressCounterIndex::max not allowed"));
 }
 
-TEST(Program, TracingNeverGetsInTheWay) {
+TEST(Program, ATraceDoesNotGoWhereTheOutputShould) {
   const MemoryFile trace;
   const MemoryFile err;
   ::setenv("LOAM_TRACE", trace.path().c_str(), 1);
-  EXPECT_EQ(Program({"debug", "--sample"}, -1, err.fd()).status(), 1)
-      << "not into what took the place of its output";
-  EXPECT_EQ(err.content(), "loamshow: cannot write the answer: Bad file descriptor\n");
-  ::setenv("LOAM_TRACE", "/nowhere/trace", 1);
-  const Ran traced = run({"debug", "--sample"});
+  EXPECT_EQ(Program({"debug", "--sample"}, -1, err.fd()).status(), 1);
   ::unsetenv("LOAM_TRACE");
-  EXPECT_EQ(traced.err, "trace file /nowhere/trace: No such file or directory\n");
-  EXPECT_EQ(traced.out, run({"debug", "--sample"}).out);
+  EXPECT_EQ(err.content(), "loamshow: cannot write the answer: Bad file descriptor\n");
 }
 
 TEST(Program, AReaderThatLeavesEndsItQuietly) {
@@ -93,58 +79,26 @@ TEST(Program, AReaderThatLeavesEndsItQuietly) {
   EXPECT_EQ(err.content(), "");
 }
 
-/// A descriptor to write to, whose other end nobody reads.
-struct Unread {
-  const char* name;
-  std::function<void(int* ends)> open;
-  bool takesTheLine;  // the "exiting" line fits even without a reader
-};
-
-const Unread unread[] = {
-    {"pipe",
-     [](int* ends) {
-       ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-       ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
-     },
-     true},
-    {"socket",
-     [](int* ends) {
-       ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
-       const int size = 4096;
-       ::setsockopt(ends[1], SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
-     },
-     false},
-    {"terminal", [](int* ends) { ASSERT_EQ(::openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr), 0); },
-     false},
-};
-
 TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
-  // Pauses between interrupts. The second one usually arrives before the "exiting" line, or while the program
-  // waits to write it.
-  const std::vector<std::chrono::microseconds> pauses[] = {
-      {}, {std::chrono::microseconds(100)}, {std::chrono::milliseconds(30), std::chrono::milliseconds(30)}};
-  for (const Unread& sink : unread) {
-    for (const char* format : {"text", "json"}) {
-      for (const auto& between : pauses) {
-        SCOPED_TRACE(std::string(sink.name) + ", " + format + ", " + std::to_string(between.size()));
-        int ends[2] = {-1, -1};
-        sink.open(ends);
-        const MemoryFile err;
-        const Program program({"queues", "--internal", "--sample", "-f", format}, ends[1], err.fd());
-        awaitFull(ends[1]);
+  // Interrupts, and microseconds between them. The second one usually arrives before the "exiting" line, or
+  // while the program waits to write it. Only a pipe always has room for that line.
+  for (const auto& [interrupts, pause] : {std::pair{1, 0}, {2, 100}, {3, 30'000}}) {
+    Pipe pipe;
+    Socket socket;
+    Terminal terminal;
+    for (Ends* const sink : std::initializer_list<Ends*>{&pipe, &socket, &terminal}) {
+      const MemoryFile err;
+      const Program program({"queues", "--internal", "--sample"}, sink->ends[1], err.fd());
+      awaitFull(sink->ends[1]);
+      for (int i = 0; i < interrupts; ++i) {
         program.signal(SIGINT);
-        for (const auto pause : between) {
-          std::this_thread::sleep_for(pause);
-          program.signal(SIGINT);
-        }
-        EXPECT_EQ(program.status(), 130);
-        ::close(ends[1]);
-        if (sink.takesTheLine) {
-          EXPECT_THAT(drained(ends[0]), testing::EndsWith("exiting interrupted by user\n"));
-        }
-        ::close(ends[0]);
-        EXPECT_EQ(err.content(), "");
+        std::this_thread::sleep_for(std::chrono::microseconds(pause));
       }
+      EXPECT_EQ(program.status(), 130);
+      if (sink == &pipe) {
+        EXPECT_THAT(sink->drain(), EndsWith("exiting interrupted by user\n"));
+      }
+      EXPECT_EQ(err.content(), "");
     }
   }
 }
@@ -172,21 +126,16 @@ TEST(Program, AnInterruptAfterTheAnswerKillsNobody) {
 }
 
 TEST(Program, WritesTheSameToATerminalAndASlowReader) {
+  const std::string expected = run({"queues", "--sample"}).out;
   Pipe pipe;
   ::fcntl(pipe.ends[1], F_SETFL, O_NONBLOCK);
-  int controller = -1;
-  int terminal = -1;
-  termios raw{};
-  ::cfmakeraw(&raw);
-  ASSERT_EQ(::openpty(&controller, &terminal, nullptr, &raw, nullptr), 0);
+  Terminal terminal;
   const MemoryFile err;
   const Program slow({"queues", "--sample"}, pipe.ends[1], err.fd());
   awaitFull(pipe.ends[1]);
-  EXPECT_EQ(pipe.drain(), run({"queues", "--sample"}).out);
-  const Program onTerminal({"queues", "--sample"}, terminal, err.fd());
-  ::close(terminal);
-  EXPECT_EQ(drained(controller), run({"queues", "--sample"}).out);
-  ::close(controller);
+  EXPECT_EQ(pipe.drain(), expected);
+  const Program onTerminal({"queues", "--sample"}, terminal.ends[1], err.fd());
+  EXPECT_EQ(terminal.drain(), expected);
   EXPECT_EQ(slow.status(), 0);
   EXPECT_EQ(onTerminal.status(), 0);
 }

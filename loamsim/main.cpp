@@ -63,15 +63,20 @@ void read(const std::string& option, const std::string& value, const char* expec
   }
 }
 
+/// An option with a value, which is empty if it is missing.
+struct Option : args::ImplicitValueFlag<std::string> {
+  Option(args::Group& parser, const char* word)
+      : args::ImplicitValueFlag<std::string>(parser, "", "", {word}, "", "") {}
+};
+
 /// Nothing if help was requested.
 std::optional<Settings> settingsOf(int argc, char** argv) {
   args::ArgumentParser parser("");
-  using Option = args::ValueFlag<std::string>;
   args::HelpFlag helpFlag(parser, "", "", {'h', "help"});
-  Option speed(parser, "", "", {"speed"});
-  Option period(parser, "", "", {"period"});
-  Option seed(parser, "", "", {"seed"});
-  Option seconds(parser, "", "", {"for"});
+  Option speed(parser, "speed");
+  Option period(parser, "period");
+  Option seed(parser, "seed");
+  Option seconds(parser, "for");
   args::Positional<std::string> state(parser, "", "");
   args::Positional<std::string> region(parser, "", "");
   try {
@@ -79,9 +84,12 @@ std::optional<Settings> settingsOf(int argc, char** argv) {
   } catch (const args::Help&) {
     return {};
   } catch (const args::Error& error) {
-    const std::string_view text = error.what();  // ends with the offending word
-    throw InputError("unexpected argument: " + loamshow::printable(text.substr(text.rfind(' ') + 1)) +
-                     " (see --help)");
+    // The text ends with the word, an option without its dashes, one of a letter in quotes.
+    std::string text = error.what();
+    std::erase(text, '\'');
+    const std::string word = loamshow::printable(text.substr(text.rfind(' ') + 1));
+    const char* const dashes = !text.starts_with("Flag") ? "" : word.size() == 1 ? "-" : "--";
+    throw InputError("unexpected argument: " + (dashes + word) + " (see --help)");
   }
   if (!region) throw InputError("expected a state file and a region (see --help)");
   Settings settings{args::get(state), args::get(region)};

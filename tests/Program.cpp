@@ -5,7 +5,6 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -94,12 +93,6 @@ Terminal::Terminal() {
 Pipe::Pipe() {
   if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
   ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
-}
-
-Socket::Socket() {
-  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) std::abort();
-  const int size = 4096;
-  ::setsockopt(ends[1], SOL_SOCKET, SO_SNDBUF, &size, sizeof size);
 }
 
 Ends::~Ends() {

@@ -67,9 +67,6 @@ struct Ends {
 struct Pipe : Ends {
   Pipe();
 };
-struct Socket : Ends {
-  Socket();
-};
 struct Terminal : Ends {
   Terminal();
 };

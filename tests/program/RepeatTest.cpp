@@ -148,17 +148,6 @@ TEST(Repeat, AnInterruptBetweenTwoAnswersWritesNothing) {
   }
 }
 
-TEST(Repeat, AnInterruptWithinAnAnswerEndsIt) {
-  Pipe pipe;
-  const MemoryFile err;
-  const Program program({"--sample", "queues", "--internal", "--every", "0.1"}, pipe.ends[1], err.fd());
-  awaitFull(pipe.ends[1]);
-  program.signal(SIGINT);
-  EXPECT_EQ(program.status(), 130);
-  EXPECT_THAT(pipe.drain(), testing::AllOf(StartsWith("--- "), EndsWith("exiting interrupted by user\n")));
-  EXPECT_EQ(err.content(), "");
-}
-
 TEST(Repeat, RedrawsATerminalAndRestoresIt) {
   const Replaced state;
   state.lossIs(5, "2026-11-23T10:53:31Z");

@@ -118,7 +118,6 @@ double JsonValue::real() const {
     if (!isNumber(token)) fail("expected a number");
     fail("number overflow parsing '" + printable(token) + "'");
   }
-  if (number == 0 && tokenOf(place_) == "-0") return 0;  // accept -0 as an integer
   return number;
 }
 

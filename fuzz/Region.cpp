@@ -37,6 +37,7 @@ void readAll(const Region::PtrConst& region) {
   std::string text;
   loamshow::JsonWriter out(text, loamshow::JsonWriter::Layout::oneLine);
   loamshow::capture(state, out);  // reads every record
+  loamshow::parseState("copy", text);
   for (const auto& [intf, place] : region->interfaces()) {
     tables->ingressTcCounter(Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, intf);
     tables->ingressCounter({intf, Hardware::Loam::nullFap, Hardware::Loam::aggregateCore, 79});

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -100,7 +102,12 @@ class Capturer {
   template <class Id>
   requires requires { Id::lowest; }
   void write(Id id) { out_.value(id.value()); }
-  void write(Vane::Seconds time) { out_.value(time.value()); }
+  void write(Vane::Seconds time) {
+    // JSON has no infinite numbers, which a region may hold: the largest finite ones are invalid times, too.
+    constexpr double largest = std::numeric_limits<double>::max();
+    const double seconds = time.value();
+    out_.value(std::isfinite(seconds) ? seconds : std::copysign(largest, seconds));
+  }
   void write(const Mote::String& name) { out_.value(name.view()); }
   void write(IntfId intf) { write(intf.stringValue()); }
   void write(Keel::MaybeU63 count) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cmath>
 #include <fstream>
 #include <thread>
 
@@ -118,7 +119,8 @@ TEST(Region, ShowsUpdatesOfItsRecords) {
   EXPECT_TRUE(same(tables.ingressTcCounter(fap3, core1, intf1), ingress)) << "the other queues are zero";
   EXPECT_TRUE(writer.egressAclIs(intf1, {}));
   EXPECT_TRUE(tables.egressAclCounter(keyOf(intf1)).null());
-  EXPECT_TRUE(writer.debugCounterIs("F1", "now", 1, {.value = 8}));
+  EXPECT_TRUE(writer.debugCounterIs("F1", "now", 1, {.value = 8, .lastUpdate = Vane::Seconds(-HUGE_VAL)}));
+  EXPECT_THAT(captured(made.read()), HasSubstr("\"lastUpdate\": -1.7976931348623157e+308")) << "finite";
   EXPECT_EQ(manager.counter("now", 1).value, 8U);
   EXPECT_EQ(manager.counter("now", 2).value, 0U);
   const U64 heartbeat = region->heartbeat();

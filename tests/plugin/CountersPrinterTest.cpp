@@ -18,14 +18,15 @@ namespace {
 using namespace LoamCounters;
 using testing::HasSubstr;
 
-/// Counter tables of zeros, with one drop for each interface, that call a function at each read.
+/// Counter tables of zeros, except the dropped packets of each interface, that call a function at each read.
 class Tables : public CounterTables {
  public:
   using Key = EgressCounterKey;
   std::function<void()> atRead = [] {};
+  U64 dropped = 1;
 
   IngressTcCounter ingressTcCounter(FapId, LocalCoreId, Nexo::IntfId) const override {
-    return atRead(), IngressTcCounter({{0, 0, 1, 0}}, {});
+    return atRead(), IngressTcCounter({{0, 0, dropped, 0}}, {});
   }
   IngressCounter ingressCounter(const IngressCounterKey&) const override {
     return atRead(), IngressCounter{};
@@ -213,6 +214,19 @@ TEST(CountersPrinter, CarriesOnOrEndsCleanlyAtEveryFault) {
          "Hardware::Loam::LocalCoreId::value < Hardware::Loam::LocalCoreId::min or > "
          "Hardware::Loam::LocalCoreId::null not allowed");
   EXPECT_EQ(fixture.users(), usersBefore);
+}
+
+TEST(CountersPrinter, NoticesAnInterruptWhereItShowsNothing) {
+  const Fixture fixture;
+  fixture.tables->dropped = 0;
+  int reads = 0;
+  fixture.tables->atRead = [&] {
+    if (++reads == 3) tabula::interrupt();
+  };
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(called(fixture.printer, "drops", tabula::formatText, fixture.intfs), "");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "exiting interrupted by user\n");
+  EXPECT_EQ(reads, 4) << "an ingress and an egress record of each interface";
 }
 
 TEST(Threads, ShareOnePrinter) {

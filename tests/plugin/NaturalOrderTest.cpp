@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 namespace LoamCounters {
 
 namespace {
@@ -25,6 +27,28 @@ TEST(NaturalOrder, ComparesAsPeopleRead) {
   for (const auto& [a, b, order] : cases) {
     EXPECT_EQ(naturalCompare(a, b), order == before) << '"' << a << "\" before \"" << b << '"';
     EXPECT_EQ(naturalCompare(b, a), order == behind) << '"' << b << "\" before \"" << a << '"';
+  }
+}
+
+TEST(NaturalOrder, IsAStrictWeakOrdering) {
+  std::mt19937 random(1);
+  // Few different characters, so that names have long common prefixes and differ in all respects that matter.
+  const auto name = [&] {
+    std::string text(random() % 7, '\0');
+    for (char& character : text) character = "0019. aAbB\xc3-"[random() % 12];
+    return text;
+  };
+  const auto same = [](const std::string& a, const std::string& b) {
+    return !naturalCompare(a, b) && !naturalCompare(b, a);
+  };
+  for (int i = 0; i < 200'000; ++i) {
+    const std::string a = name();
+    const std::string b = name();
+    const std::string c = name();
+    ASSERT_TRUE(same(a, a));
+    ASSERT_FALSE(naturalCompare(a, b) && naturalCompare(b, a));
+    ASSERT_TRUE(naturalCompare(a, c) || !naturalCompare(a, b) || !naturalCompare(b, c)) << a << b << c;
+    ASSERT_TRUE(same(a, c) || !same(a, b) || !same(b, c)) << a << '|' << b << '|' << c;
   }
 }
 

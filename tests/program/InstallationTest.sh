@@ -78,12 +78,9 @@ completed() {
 }
 completed 'loamshow --sample acl po' 'Port-Channel1 Port-Channel2'
 completed 'loamshow --format=j' json
-LOAM_STATE=$man completed 'loamshow acl ' ''
 . moved/share/bash-completion/completions/loamsim
 _loamsim loamsim --s loamsim
 [ "${COMPREPLY[*]}" = '--speed --seed' ] || fail "loamsim --s becomes ${COMPREPLY[*]}"
-_loamsim loamsim --s --for
-[ "${#COMPREPLY[@]}" = 0 ] || fail "loamsim --for --s becomes ${COMPREPLY[*]}"
 
 # Files that were added since are kept.
 touch moved/share/loamcounters/other

@@ -148,6 +148,18 @@ TEST(Repeat, AnInterruptBetweenTwoAnswersWritesNothing) {
   }
 }
 
+TEST(Repeat, AnInterruptOfALongCommandEndsItOnATerminal) {
+  ::setenv("TERM", "xterm", 1);
+  const MemoryFile file(R"({"debug": {"faps": {"F": {"directory": {"valid": true, "readiness": 1,
+    "blocks": {"b": {"c": {"numInstances": 4294967295}}}}, "snapshots": {}}}}})");
+  const Terminal terminal;
+  const MemoryFile err;
+  const Program program({"-s", file.path(), "debug", "--drops", "--every", "9"}, terminal.ends[1], err.fd());
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  program.signal(SIGINT);
+  EXPECT_THAT(program.status(), testing::AnyOf(130, 1000 + SIGINT)) << "the latter if it has not begun";
+}
+
 TEST(Repeat, RedrawsATerminalAndRestoresIt) {
   const Replaced state;
   state.lossIs(5, "2026-11-23T10:53:31Z");

@@ -61,7 +61,7 @@ class IngressRecords {
     counts_.push_back(record.total);
     for (std::size_t t = 0; t < queues; ++t) counts_.push_back(record[IngressCounterIndex(t)]);
   }
-  /// The record at `at`, which then is behind it.
+  /// The record at `at`, which then is after it.
   IngressTcCounter take(std::size_t& at, std::size_t queues) const {
     const std::size_t begin = std::exchange(at, at + 1 + queues);
     return {counts_[begin], std::span(counts_).subspan(begin + 1, queues)};

@@ -90,7 +90,7 @@ void addEgress(std::string& text, Json& interfaces, const std::string& name, con
                EgressRecord record, U64 intf) {
   Json& json = interfaces[name] = Json::object();
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    // Only the LAG record has counts of its own for pairs of classes, behind the others.
+    // Only the LAG record has separate counts for pairs of classes, after the others.
     const U64 t = record == EgressRecord::lag ? i : static_cast<U64>(labels[i][2] - '0');
     for (const DestType destType : {DestType::unicast, DestType::multicast}) {
       const bool unicast = destType == DestType::unicast;

@@ -95,7 +95,7 @@ class DenseMap {
     shift_ = 64 - static_cast<unsigned>(std::countr_zero(size));
     for (std::size_t i = 0; i < entries_.size(); ++i) slots_[slotOf(entries_[i].key)] = static_cast<U32>(i);
   }
-  // Moves entries behind the gap forward into it, so that no search ends early.
+  // Moves entries after the gap forward into it, so that no search ends early.
   void closeGap(std::size_t gap) {
     slots_[gap] = empty;
     for (std::size_t slot = next(gap); slots_[slot] != empty; slot = next(slot)) {

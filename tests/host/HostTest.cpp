@@ -42,7 +42,7 @@ TEST(IntfArguments, NameInterfacesInManyWays) {
     }
     return names;
   };
-  // "%" stands for the argument.
+  // "%" is replaced by the argument.
   constexpr const char* malformed =
       "malformed range \"%\": expected a name, \"-\" and the last number, without leading zeros, as in "
       "Et1/1-4";

@@ -55,7 +55,7 @@ std::string portRows(const char* name, const Json& unicast, const Json& multicas
          columns(17, multicast);
 }
 
-/// Expects the ingress tables, and those of the CPU ports behind them, in both formats.
+/// Expects the ingress tables, and those of the CPU ports after them, in both formats.
 void expectAnswer(std::vector<std::string> command, std::string text, const Json& ingress) {
   Json json{{"ingressVoqs", ingress}};
   text += cpuEgressHead();

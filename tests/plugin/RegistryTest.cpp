@@ -23,7 +23,7 @@ using Vane::OpCode;
 using Vane::OpStatus;
 using Vane::Value;
 
-/// A null handle, which stands for an object of any type.
+/// A null handle, accepted as an object of any type.
 const Value none = Mote::Ptr<const Mote::Node>();
 
 Mote::Ptr<Mote::Node> make(std::string_view type, const std::vector<Value>& arguments = {}) {

@@ -37,10 +37,6 @@ Program::Program(const std::vector<std::string>& arguments, int out, int err, co
   ::_exit(127);
 }
 
-void Program::signal(int number) const {
-  ::kill(pid_, number);
-}
-
 bool Program::ends(milliseconds within) const {
   pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
   const bool ended = ::poll(&end, 1, static_cast<int>(within.count())) > 0;

@@ -3,6 +3,7 @@
 // Real programs in tests.
 
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,7 +24,7 @@ class Program {
   Program(const std::vector<std::string>& arguments, int out, int err, const char* executable = LOAMSHOW);
 
   int pid() const { return pid_; }
-  void signal(int number) const;
+  void signal(int number) const { ::kill(pid_, number); }
   bool ends(std::chrono::milliseconds within) const;
   /// The exit status, or 1000 + the signal that killed it. A program that does not end is killed.
   int status() const;

@@ -1,14 +1,7 @@
 #include "tests/Support.h"
 
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -59,10 +52,8 @@ Json members(const Json& quad) {
           {"droppedBytes", quad[3]}};
 }
 
-std::vector<std::string> tcs(int count) {
-  std::vector<std::string> labels;
-  for (int t = 0; t < count; ++t) labels.push_back("TC" + std::to_string(t));
-  return labels;
+std::vector<std::string> tcs() {
+  return words("TC0 TC1 TC2 TC3 TC4 TC5 TC6 TC7");
 }
 
 Json smallSwitch() {
@@ -130,31 +121,10 @@ std::string answer(const Json& state, const std::vector<std::string>& arguments,
   return file.content();
 }
 
-MemoryFile::MemoryFile() : fd_(::memfd_create("test", MFD_CLOEXEC)) {
-}
-
-MemoryFile::MemoryFile(const std::string& content) : MemoryFile() {
-  if (::write(fd_, content.data(), content.size()) != static_cast<ssize_t>(content.size())) std::abort();
-}
-
-MemoryFile::~MemoryFile() {
-  ::close(fd_);
-}
-
-std::size_t MemoryFile::size() const {
-  struct stat status {};
-  ::fstat(fd_, &status);
-  return static_cast<std::size_t>(status.st_size);
-}
-
-std::string MemoryFile::content() const {
-  std::string content(size(), '\0');
-  content.resize(static_cast<std::size_t>(::pread(fd_, content.data(), content.size(), 0)));
-  return content;
-}
-
-std::string MemoryFile::path() const {
-  return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_);
+std::string contentOf(const std::string& path) {
+  std::ostringstream content;
+  content << std::ifstream(path, std::ios::binary).rdbuf();
+  return content.str();
 }
 
 void putWord(const std::string& path, U64 offset, U64 word) {
@@ -162,20 +132,9 @@ void putWord(const std::string& path, U64 offset, U64 word) {
   file.seekp(static_cast<std::streamoff>(offset)).write(static_cast<char*>(static_cast<void*>(&word)), 8);
 }
 
-TemporaryDirectory::TemporaryDirectory() : path_(std::filesystem::temp_directory_path() / "loamtest.XXXXXX") {
-  if (::mkdtemp(path_.data()) == nullptr) std::abort();
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-  std::filesystem::remove_all(path_);
-}
-
-std::vector<std::string> TemporaryDirectory::names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-    names.push_back(entry.path().filename());
-  }
-  std::sort(names.begin(), names.end());
+std::set<std::string> TemporaryDirectory::names() const {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(path_)) names.insert(entry.path().filename());
   return names;
 }
 

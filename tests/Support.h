@@ -2,7 +2,13 @@
 
 // The small switch of the tests, and helpers for commands in this process.
 
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,8 +31,8 @@ inline Json zeros() {
 Json plus(const Json& left, const Json& right);
 /// The quad as the members of a JSON row.
 Json members(const Json& quad);
-/// "TC0" to "TC<count - 1>".
-std::vector<std::string> tcs(int count = 8);
+/// "TC0" to "TC7".
+std::vector<std::string> tcs();
 
 /// A switch with a FAP of two cores in port mode (id 3, "A"), and one of one core in queue mode (id 7, "B").
 /// Its interfaces: Ethernet1 (port 64 on A), Ethernet1.5 (port 65 on A), Ethernet3 (port 66 on B),
@@ -56,6 +62,11 @@ std::string lines(const std::string& json);
 /// The words of a text, separated by white space.
 std::vector<std::string> words(const std::string& text);
 
+/// The content of a file.
+std::string contentOf(const std::string& path);
+/// Changes eight bytes of a file.
+void putWord(const std::string& path, U64 offset, U64 word);
+
 /// A command line such as {"queues", "-j"}.
 loamshow::CommandLine parsed(const std::vector<std::string>& arguments);
 /// The output of a command line such as {"queues", "-j"} on a state, in this process. Throws the errors that
@@ -65,40 +76,39 @@ std::string answer(const Json& state, const std::vector<std::string>& arguments,
 /// A file in memory, with its descriptor.
 class MemoryFile {
  public:
-  MemoryFile();
-  explicit MemoryFile(const std::string& content);
+  MemoryFile() : fd_(::memfd_create("test", MFD_CLOEXEC)) {}
+  explicit MemoryFile(const std::string& content) : MemoryFile() { std::ofstream(path()) << content; }
   MemoryFile(const MemoryFile&) = delete;
   MemoryFile& operator=(const MemoryFile&) = delete;
-  ~MemoryFile();
+  ~MemoryFile() { ::close(fd_); }
 
   int fd() const { return fd_; }
   U32 fdNumber() const { return static_cast<U32>(fd_); }
-  std::size_t size() const;
-  std::string content() const;
   /// A path by which other processes can open it while this one runs.
-  std::string path() const;
+  std::string path() const { return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(fd_); }
+  std::size_t size() const { return std::filesystem::file_size(path()); }
+  std::string content() const { return contentOf(path()); }
 
  private:
   int fd_;
 };
 
-/// Changes eight bytes of a file.
-void putWord(const std::string& path, U64 offset, U64 word);
-
 /// A directory that is removed with its contents.
 class TemporaryDirectory {
  public:
-  TemporaryDirectory();
+  TemporaryDirectory() {
+    if (::mkdtemp(path_.data()) == nullptr) std::abort();
+  }
   TemporaryDirectory(const TemporaryDirectory&) = delete;
   TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-  ~TemporaryDirectory();
+  ~TemporaryDirectory() { std::filesystem::remove_all(path_); }
 
   const std::string& path() const { return path_; }
-  /// The names of its files, in ascending order.
-  std::vector<std::string> names() const;
+  /// The names of its files.
+  std::set<std::string> names() const;
 
  private:
-  std::string path_;
+  std::string path_ = std::filesystem::temp_directory_path() / "loamtest.XXXXXX";
 };
 
 }  // namespace loamtest

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <fstream>
 #include <thread>
 
 #include "loamshow/state/Capture.h"
@@ -35,10 +34,6 @@ struct Made {
     auto region = Mote::make<Region>(fd, "R");
     ::close(fd);
     return region;
-  }
-  std::string content() const {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
   }
 
   TemporaryDirectory directory;
@@ -128,14 +123,14 @@ TEST(Region, ShowsUpdatesOfItsRecords) {
   EXPECT_GT(region->heartbeat(), heartbeat);
 
   // Updates of what has no record, or no room in it, change nothing.
-  const std::string settled = made.content();
+  const std::string settled = contentOf(made.path);
   ingress.queueIs(IngressCounterIndex(8), {});
   EXPECT_FALSE(writer.ingressIs(fap3, core1, intf1, ingress));
   EXPECT_FALSE(writer.ingressIs(fap3, LocalCoreId(2), intf1, {}));
   EXPECT_FALSE(writer.egressIs(intf3, {}) || writer.egressTmIs(intf1, {}) || writer.egressLagIs(intf1, {}));
   EXPECT_FALSE(writer.egressAclIs(intf3, {}) || writer.egressMtuIs(FapId(4), {}));
   EXPECT_FALSE(writer.debugCounterIs("F1", "now", 2, {}) || writer.debugCounterIs("F2", "now", 0, {}));
-  EXPECT_EQ(made.content(), settled);
+  EXPECT_EQ(contentOf(made.path), settled);
 
   // Readers keep the region that they have mapped.
   const CounterRegionWriter next = loamshow::publish(busyState(), made.path);
@@ -166,7 +161,7 @@ struct Bytes {
 };
 
 TEST(Region, IsRefusedWhenDamaged) {
-  const std::string whole = Made(busyState()).content();
+  const std::string whole = contentOf(Made(busyState()).path);
   const auto map = [](const std::string& bytes) { Region(MemoryFile(bytes).fd(), "R"); };
   for (const std::size_t size : {sizeof(RegionHeader) - 1, whole.size() - 1}) {
     EXPECT_THAT([&] { map(whole.substr(0, size)); },

@@ -153,7 +153,7 @@ TEST(Live, CountsInProportionAndUnevenly) {
   }
   EXPECT_GT(packets.size(), 10U);
   EXPECT_EQ(live.stop(SIGTERM), 0);
-  EXPECT_EQ(live.directory.names(), std::vector<std::string>());
+  EXPECT_THAT(live.directory.names(), testing::IsEmpty());
 }
 
 TEST(Live, RepeatedAnswersFollowWhatBecomesOfTheRegion) {
@@ -201,7 +201,7 @@ TEST(Live, TheSimulatorExplainsWrongUsage) {
     EXPECT_EQ(Program(words(arguments), none.fd(), err.fd(), LOAMSIM).status(), status) << arguments;
     EXPECT_EQ(err.content(), message.empty() ? "" : "loamsim: " + message + "\n");
   }
-  EXPECT_EQ(directory.names(), std::vector<std::string>());
+  EXPECT_THAT(directory.names(), testing::IsEmpty());
 }
 
 }  // namespace

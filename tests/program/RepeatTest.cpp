@@ -53,11 +53,8 @@ Json nextLoss(const Ends& ends) {
 
 /// Waits until a program sleeps, as it does between two turns.
 void awaitSleep(const Program& program) {
-  becomesTrue([&] {
-    std::ifstream file("/proc/" + std::to_string(program.pid()) + "/stat");
-    const std::string stat{std::istreambuf_iterator<char>(file), {}};
-    return stat.find(") S ") != std::string::npos;
-  });
+  const std::string state = "/proc/" + std::to_string(program.pid()) + "/stat";
+  becomesTrue([&] { return contentOf(state).find(") S ") != std::string::npos; });
 }
 
 TEST(Repeat, EachAnswerCountsFromTheOneBeforeWhateverHappensToTheSource) {

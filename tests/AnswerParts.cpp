@@ -33,18 +33,6 @@ Json ingressJson(const Labels& labels, const Quads& quads, const char* collectio
   return {{collection, rows}};
 }
 
-std::string egressHead() {
-  return "Egress Queue Counters\n" +
-         line("%-20s %-7s %-10s %-10s %17s %17s %17s %17s\n", "Port", "Traffic", "DropPrec", "DestType",
-              "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets") +
-         line("%-20s %-5s\n", "", "Class");
-}
-
-std::string cpuEgressHead() {
-  return "Egress Queue Counters\n" + line("%-20s %-10s %17s %17s %17s %17s\n", "Port", "DestType",
-                                          "OutEnqPkts", "OutEnqOctets", "OutDropPkts", "OutDropOctets");
-}
-
 std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues) {
   const int width = withQueues ? 10 : 0;
   return title + "\n" + subtitle +
@@ -53,30 +41,11 @@ std::string classHead(const std::string& title, const std::string& subtitle, boo
          line("%-26s %-*s\n", "Aggregate", width, "") + std::string(withQueues ? 113 : 103, '-') + "\n";
 }
 
-std::string dropsHead() {
-  return line("%-15s %7s %17s %17s %17s %17s\n", "Port", "Class", "EnqPkts", "EnqOctets", "DropPkts",
-              "DropOctets") +
-         std::string(95, '-') + "\n";
-}
-
-std::string aclHead() {
-  return "Aggregate Egress Acl Counters\n" + line("%-10s %19s %19s\n", "Port", "Source Pruning", "Mlag");
-}
-
-std::string mtuHead() {
-  return "Aggregate Egress Mtu Counters\n" +
-         line("%-17s %19s %19s %19s\n", "Switch", "EnqueuePkts", "Discards", "TotalPkts");
-}
-
-Quads ingressQuads(U64 intf, U64 source, U64 count) {
+Quads ingressQuads(U64 intf, std::optional<U64> source, U64 count) {
   Quads quads;
-  for (U64 t = 0; t < count; ++t) quads.push_back(quad(ingressBase(intf, source, t)));
-  return quads;
-}
-
-Quads ingressSums(U64 intf, U64 count) {
-  Quads quads;
-  for (U64 t = 0; t < count; ++t) quads.push_back(ingressSum(intf, t));
+  for (U64 t = 0; t < count; ++t) {
+    quads.push_back(source ? quad(ingressBase(intf, *source, t)) : ingressSum(intf, t));
+  }
   return quads;
 }
 

@@ -2,6 +2,7 @@
 
 // Parts of expected outputs, formatted as printf would.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,10 +21,6 @@ std::string ingressHead(const std::string& title);
 std::string ingressRows(const std::string& name, const Labels& labels, const Quads& quads,
                         int queueWidth = 7);
 Json ingressJson(const Labels& labels, const Quads& quads, const char* collection = "trafficClasses");
-/// The headings of the egress queues, the CPU's egress queues, and the other commands.
-std::string egressHead();
-std::string cpuEgressHead();
-std::string dropsHead();
 /// The heading of a table of CoPP classes, and its possible second lines.
 std::string classHead(const std::string& title, const std::string& subtitle, bool withQueues);
 inline constexpr const char* queueTitle =
@@ -33,11 +30,27 @@ inline constexpr const char* policerTitle =
 inline constexpr const char* perChipTitle =
     "This indicates the sum of per-chip counts of packets permitted and denied by the port-dependent "
     "policers.\n";
-std::string aclHead();
-std::string mtuHead();
-/// Quads of the small switch: of a source, and of the sum of the sources.
-Quads ingressQuads(U64 intf, U64 source, U64 count = 8);
-Quads ingressSums(U64 intf, U64 count = 8);
+/// The headings of the egress queues, the CPU's egress queues, and the other commands.
+inline const std::string egressHead =
+    R"(Egress Queue Counters
+Port                 Traffic DropPrec   DestType          OutEnqPkts      OutEnqOctets       OutDropPkts     OutDropOctets
+                     Class
+)";
+inline const std::string cpuEgressHead = R"(Egress Queue Counters
+Port                 DestType          OutEnqPkts      OutEnqOctets       OutDropPkts     OutDropOctets
+)";
+inline const std::string dropsHead =
+    R"(Port              Class           EnqPkts         EnqOctets          DropPkts        DropOctets
+-----------------------------------------------------------------------------------------------
+)";
+inline const std::string aclHead = R"(Aggregate Egress Acl Counters
+Port            Source Pruning                Mlag
+)";
+inline const std::string mtuHead = R"(Aggregate Egress Mtu Counters
+Switch                    EnqueuePkts            Discards           TotalPkts
+)";
+/// Quads of the small switch: of a source, or of the sum of the sources.
+Quads ingressQuads(U64 intf, std::optional<U64> source, U64 count = 8);
 
 /// Adds an interface's rows to an expected text, and its object to the expected JSON, under its long name.
 /// Egress rows are a unicast and a multicast one per label; a label of a pair has the counts of its first

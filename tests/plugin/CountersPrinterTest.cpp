@@ -98,18 +98,18 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
     return called(of, "queues drops mtu cpu ingress cores", fmt, fixture.intfs);
   };
   const std::string summary = "Aggregate CPU counters:";
-  const std::string common = ingressHead("Aggregate VoQ Counters") + "\n" + egressHead() + "\n" +
-                             dropsHead() + "\n" + mtuHead() + classHead(summary, queueTitle, false) + "\n" +
-                             classHead(summary, policerTitle, false) + "\n" + cpuEgressHead();
+  const std::string common = ingressHead("Aggregate VoQ Counters") + "\n" + egressHead + "\n" + dropsHead +
+                             "\n" + mtuHead + classHead(summary, queueTitle, false) + "\n" +
+                             classHead(summary, policerTitle, false) + "\n" + cpuEgressHead;
   std::string ofIngress;
   std::string ofCpu;
   for (const std::string source : {"A.0:", "A.1:", "B:"}) {
     ofIngress += ingressHead(source) + "\n";
     ofCpu += classHead(source, "", true) + "\n" + classHead(source, perChipTitle, false) + "\n";
   }
-  EXPECT_EQ(answers(printer, tabula::formatText), common + ofIngress + ofCpu + cpuEgressHead());
-  EXPECT_EQ(answers(fixture.make(nullptr), tabula::formatText), common + cpuEgressHead());
-  EXPECT_EQ(called(printer, "acl", tabula::formatText, fixture.intfs), aclHead());
+  EXPECT_EQ(answers(printer, tabula::formatText), common + ofIngress + ofCpu + cpuEgressHead);
+  EXPECT_EQ(answers(fixture.make(nullptr), tabula::formatText), common + cpuEgressHead);
+  EXPECT_EQ(called(printer, "acl", tabula::formatText, fixture.intfs), aclHead);
   EXPECT_EQ(
       answers(printer, tabula::formatJson),
       R"({"ingressVoqCounters":{"interfaces":{}},"egressQueueCounters":{"interfaces":{}}}
@@ -122,7 +122,7 @@ TEST(CountersPrinter, WithoutItsSourcesShowsHeadsAndEmptyCollections) {
       R"("egressQueues":{"sources":{"all":{"cpuPorts":{}}}}})"
       "\n");
   EXPECT_EQ(called(printer, "queues ingress acl", tabula::formatJson, nullptr), "");
-  EXPECT_EQ(called(printer, "drops", tabula::formatText, nullptr), dropsHead() + "\n");
+  EXPECT_EQ(called(printer, "drops", tabula::formatText, nullptr), dropsHead + "\n");
 }
 
 TEST(CountersPrinter, WalksAStatusThatChanges) {

@@ -58,7 +58,7 @@ std::string portRows(const char* name, const Json& unicast, const Json& multicas
 /// Expects the ingress tables, and those of the CPU ports after them, in both formats.
 void expectAnswer(std::vector<std::string> command, std::string text, const Json& ingress) {
   Json json{{"ingressVoqs", ingress}};
-  text += cpuEgressHead();
+  text += cpuEgressHead;
   const std::tuple<const char*, Json, Json> ports[] = {{"CpuTm0", tm0, zeros()},
                                                        {"CpuB", cpuBUnicast, cpuBMulticast},
                                                        {"CpuNowhere", plus(tm0, cpuBUnicast), cpuBMulticast}};

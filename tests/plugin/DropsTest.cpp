@@ -48,7 +48,7 @@ Part ingress(U64 intf, U64 t) {
 }
 
 TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
-  std::string expected = dropsHead();
+  std::string expected = dropsHead;
   Json json;
   const auto trafficClass = [&](const char* name, const std::string& label, U64 intf, U64 t,
                                 const Part& egress) {
@@ -121,7 +121,7 @@ TEST(EgressAclDrops, DistinguishNoCountFromZero) {
   state["interfaces"] = {"Loopback0", "Ethernet3", "Ethernet1", "Port-Channel1"};
   state["counters"]["egressAcl"] = {
       {"Ethernet3", 9223372036854775807}, {"Ethernet1", 0}, {"Loopback0", nullptr}};
-  EXPECT_EQ(answer(state, {"acl"}), aclHead() + R"(Loopback0                  n/a                 n/a
+  EXPECT_EQ(answer(state, {"acl"}), aclHead + R"(Loopback0                  n/a                 n/a
 Et3                        n/a 9223372036854775807
 Et1                        n/a                   0
 Po1                        n/a                 n/a
@@ -139,7 +139,7 @@ TEST(EgressMtu, DistinguishesNoCountFromZero) {
       {"4", {{"enqueuedPackets", 0}, {"droppedPackets", 7}, {"totalPackets", 8}}},
       {"30", {{"totalPackets", 5}, {"droppedPackets", nullptr}}}};
   EXPECT_EQ(answer(state, {"mtu"}),
-            mtuHead() + R"(Zz                                  0                   7                   8
+            mtuHead + R"(Zz                                  0                   7                   8
 None                              n/a                 n/a                 n/a
 Aa                                n/a                 n/a                   5
 )");

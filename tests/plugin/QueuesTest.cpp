@@ -15,11 +15,11 @@ TEST(Queues, ShowsAggregateIngressThenEgress) {
   std::string text = ingressHead("Aggregate VoQ Counters");
   Json json;
   Json& ingress = json["ingressVoqCounters"]["interfaces"];
-  addIngress(text, ingress, "Ethernet1", tcs(), ingressSums(ethernet1));
-  addIngress(text, ingress, "Ethernet1.5", subIntfLabels, ingressSums(subInterface, 4));
-  addIngress(text, ingress, "Ethernet3", tcs(), ingressSums(ethernet3));
-  addIngress(text, ingress, "Port-Channel1", tcs(), ingressSums(portChannel1));
-  text += "\n" + egressHead();
+  addIngress(text, ingress, "Ethernet1", tcs(), ingressQuads(ethernet1, {}));
+  addIngress(text, ingress, "Ethernet1.5", subIntfLabels, ingressQuads(subInterface, {}, 4));
+  addIngress(text, ingress, "Ethernet3", tcs(), ingressQuads(ethernet3, {}));
+  addIngress(text, ingress, "Port-Channel1", tcs(), ingressQuads(portChannel1, {}));
+  text += "\n" + egressHead;
   Json& egress = json["egressQueueCounters"]["interfaces"];
   addEgress(text, egress, "Ethernet1", tcs(), EgressRecord::portMode, ethernet1);
   addEgress(text, egress, "Ethernet3", pairedLabels, EgressRecord::queueMode, ethernet3);
@@ -35,7 +35,7 @@ TEST(Queues, ShowsAggregateIngressThenEgress) {
 
 void expectEgress(const Json& state, const std::string& name, const Labels& labels, EgressRecord record,
                   U64 intf) {
-  std::string text = egressHead();
+  std::string text = egressHead;
   Json json;
   addEgress(text, json, name, labels, record, intf);
   EXPECT_THAT(answer(state, {"queues", name}), testing::EndsWith("\n" + text + "\n"));

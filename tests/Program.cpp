@@ -21,7 +21,7 @@ namespace loamtest {
 
 using std::chrono::milliseconds;
 
-Program::Program(const std::vector<std::string>& arguments, int out, int err, const char* executable) {
+Program::Program(const std::vector<std::string>& arguments, int out, const char* executable) {
   std::vector<std::string> words = {executable};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
@@ -32,7 +32,7 @@ Program::Program(const std::vector<std::string>& arguments, int out, int err, co
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that takes too long is killed
   ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
   if (::dup2(out, STDOUT_FILENO) < 0) ::close(STDOUT_FILENO);
-  ::dup2(err, STDERR_FILENO);
+  ::dup2(err.fd(), STDERR_FILENO);
   ::execv(executable, argv.data());
   ::_exit(127);
 }
@@ -53,9 +53,9 @@ int Program::status() const {
 
 Ran run(const std::vector<std::string>& arguments) {
   const MemoryFile out;
-  const MemoryFile err;
-  const int status = Program(arguments, out.fd(), err.fd()).status();
-  return {status, out.content(), err.content()};
+  const Program program(arguments, out.fd());
+  const int status = program.status();
+  return {status, out.content(), program.err.content()};
 }
 
 bool becomesTrue(const std::function<bool()>& condition) {

@@ -17,17 +17,18 @@ namespace loamtest {
 /// test's limit.
 constexpr std::chrono::seconds patience(20);
 
-/// A running program, with standard output and error on descriptors of the test. Its standard input is
-/// empty.
+/// A running program, with standard output on a descriptor of the test. Its standard input is empty.
 class Program {
  public:
-  Program(const std::vector<std::string>& arguments, int out, int err, const char* executable = LOAMSHOW);
+  Program(const std::vector<std::string>& arguments, int out, const char* executable = LOAMSHOW);
 
   int pid() const { return pid_; }
   void signal(int number) const { ::kill(pid_, number); }
   bool ends(std::chrono::milliseconds within) const;
   /// The exit status, or 1000 + the signal that killed it. A program that does not end is killed.
   int status() const;
+
+  const MemoryFile err;  // what it has written to standard error
 
  private:
   int pid_;

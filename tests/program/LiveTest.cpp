@@ -30,7 +30,7 @@ struct Live {
   explicit Live(const std::string& state, const std::string& options = "--speed 0") {
     std::vector<std::string> arguments = words(options);
     arguments.insert(arguments.end(), {state, region});
-    sim.emplace(arguments, err.fd(), err.fd(), LOAMSIM);
+    sim.emplace(arguments, STDERR_FILENO, LOAMSIM);
     while (!std::filesystem::exists(region) && !sim->ends(std::chrono::milliseconds(5))) {
     }
   }
@@ -51,7 +51,6 @@ struct Live {
 
   TemporaryDirectory directory;
   std::string region = directory.path() + "/region";
-  MemoryFile err;
   std::optional<Program> sim;
 };
 
@@ -124,13 +123,12 @@ TEST(Live, SurvivesWhatBecomesOfTheFileWhileItIsRead) {
     Live live(SAMPLE);
     live.stop(SIGKILL);
     Pipe pipe;
-    const MemoryFile err;
-    const Program show({"-s", live.region, "queues", "--internal", "--json"}, pipe.ends[1], err.fd());
+    const Program show({"-s", live.region, "queues", "--internal", "--json"}, pipe.ends[1]);
     awaitFull(pipe.ends[1]);  // the program waits in the middle of its output
     change(live.region);
     pipe.drain();
     EXPECT_EQ(show.status(), status);
-    EXPECT_THAT(err.content(), MatchesRegex(problem));
+    EXPECT_THAT(show.err.content(), MatchesRegex(problem));
   }
 }
 
@@ -159,18 +157,16 @@ TEST(Live, CountsInProportionAndUnevenly) {
 TEST(Live, RepeatedAnswersFollowWhatBecomesOfTheRegion) {
   Live live(SAMPLE);
   const MemoryFile out;
-  const MemoryFile err;
-  const Program show({"-s", live.region, "acl", "Et1/1", "-j", "--every", "0.1"}, out.fd(), err.fd());
+  const Program show({"-s", live.region, "acl", "Et1/1", "-j", "--every", "0.1"}, out.fd());
   const std::string first = R"({"interfaces":{"Ethernet1/1":{"mlagPackets":1762489}}})";
   ASSERT_TRUE(awaitText(out, first));
   const U64 record = aclRecord(live.region);
   putWord(live.region, record, 1);
-  EXPECT_TRUE(awaitText(err, "the writer stopped in the middle of the record\n"));
+  EXPECT_TRUE(awaitText(show.err, "the writer stopped in the middle of the record\n"));
   putWord(live.region, record, 2);
   // Until then, nothing is counted.
   EXPECT_THAT(out.content().substr(first.size()), testing::Not(testing::ContainsRegex(":[1-9]")));
-  const MemoryFile none;
-  const Program next({"--speed", "36000", SAMPLE, live.region}, none.fd(), none.fd(), LOAMSIM);
+  const Program next({"--speed", "36000", SAMPLE, live.region}, STDERR_FILENO, LOAMSIM);
   EXPECT_TRUE(becomesTrue([&] {
     return std::regex_search(out.content().substr(first.size()), std::regex("mlagPackets\":[1-9]"));
   }));
@@ -197,9 +193,9 @@ TEST(Live, TheSimulatorExplainsWrongUsage) {
       {"--for 0.1 " + both, 0, ""},
       {"--help", 0, ""}};
   for (const auto& [arguments, status, message] : cases) {
-    const MemoryFile err;
-    EXPECT_EQ(Program(words(arguments), none.fd(), err.fd(), LOAMSIM).status(), status) << arguments;
-    EXPECT_EQ(err.content(), message.empty() ? "" : "loamsim: " + message + "\n");
+    const Program sim(words(arguments), none.fd(), LOAMSIM);
+    EXPECT_EQ(sim.status(), status) << arguments;
+    EXPECT_EQ(sim.err.content(), message.empty() ? "" : "loamsim: " + message + "\n");
   }
   EXPECT_THAT(directory.names(), testing::IsEmpty());
 }

@@ -61,22 +61,21 @@ TEST(Program, ARangeErrorFollowsTheRowsBeforeIt) {
 
 TEST(Program, ATraceDoesNotGoWhereTheOutputShould) {
   const MemoryFile trace;
-  const MemoryFile err;
   ::setenv("LOAM_TRACE", trace.path().c_str(), 1);
-  EXPECT_EQ(Program({"debug", "--sample"}, -1, err.fd()).status(), 1);
+  const Program program({"debug", "--sample"}, -1);
+  EXPECT_EQ(program.status(), 1);
   ::unsetenv("LOAM_TRACE");
-  EXPECT_EQ(err.content(), "loamshow: cannot write the answer: Bad file descriptor\n");
+  EXPECT_EQ(program.err.content(), "loamshow: cannot write the answer: Bad file descriptor\n");
 }
 
 TEST(Program, AReaderThatLeavesEndsItQuietly) {
   Pipe pipe;
-  const MemoryFile err;
-  const Program program({"queues", "--internal", "--sample"}, pipe.ends[1], err.fd());
+  const Program program({"queues", "--internal", "--sample"}, pipe.ends[1]);
   awaitFull(pipe.ends[1]);
   pipe.closeEnd(1);
   pipe.closeEnd(0);
   EXPECT_EQ(program.status(), 1);
-  EXPECT_EQ(err.content(), "");
+  EXPECT_EQ(program.err.content(), "");
 }
 
 TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
@@ -89,16 +88,14 @@ TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
     const std::pair<Ends*, const char*> sinks[] = {
         {&pipe, ""}, {&repeated, " --every 0.1"}, {&terminal, " --json"}};
     for (const auto& [sink, options] : sinks) {
-      const MemoryFile err;
-      const Program program(words("queues --internal --sample" + std::string(options)), sink->ends[1],
-                            err.fd());
+      const Program program(words("queues --internal --sample" + std::string(options)), sink->ends[1]);
       awaitFull(sink->ends[1]);
       for (int i = 0; i < interrupts; ++i) {
         program.signal(SIGINT);
         std::this_thread::sleep_for(std::chrono::microseconds(pause));
       }
       EXPECT_EQ(program.status(), 130);
-      EXPECT_EQ(err.content(), "");
+      EXPECT_EQ(program.err.content(), "");
       if (sink == &terminal) continue;
       EXPECT_THAT(sink->drain(), EndsWith("exiting interrupted by user\n"));
     }
@@ -116,13 +113,12 @@ TEST(Program, AnInterruptAfterTheAnswerKillsNobody) {
     const std::size_t size = run(command).out.size();
     for (int i = 0; i < 5; ++i) {
       const MemoryFile out;
-      const MemoryFile err;
-      const Program program(command, out.fd(), err.fd());
+      const Program program(command, out.fd());
       while (out.size() < size && !program.ends({})) continue;
       while (!program.ends({})) program.signal(SIGINT);
       EXPECT_THAT(program.status(), testing::AnyOf(0, 130)) << command.back();
       EXPECT_GE(out.size(), size);
-      EXPECT_EQ(err.content(), "");
+      EXPECT_EQ(program.err.content(), "");
     }
   }
 }
@@ -132,11 +128,10 @@ TEST(Program, WritesTheSameToATerminalAndASlowReader) {
   Pipe pipe;
   ::fcntl(pipe.ends[1], F_SETFL, O_NONBLOCK);
   Terminal terminal;
-  const MemoryFile err;
-  const Program slow({"queues", "--sample"}, pipe.ends[1], err.fd());
+  const Program slow({"queues", "--sample"}, pipe.ends[1]);
   awaitFull(pipe.ends[1]);
   EXPECT_EQ(pipe.drain(), expected);
-  const Program onTerminal({"queues", "--sample"}, terminal.ends[1], err.fd());
+  const Program onTerminal({"queues", "--sample"}, terminal.ends[1]);
   EXPECT_EQ(terminal.drain(), expected);
   EXPECT_EQ(slow.status(), 0);
   EXPECT_EQ(onTerminal.status(), 0);

@@ -69,8 +69,7 @@ TEST(Repeat, EachAnswerCountsFromTheOneBeforeWhateverHappensToTheSource) {
     const Replaced state;
     state.lossIs(5, takenAt("31"));
     Pipe pipe;
-    const MemoryFile err;
-    const Program program({"-s", state.path, "top", "-j", "--every", "0.1"}, pipe.ends[1], err.fd());
+    const Program program({"-s", state.path, "top", "-j", "--every", "0.1"}, pipe.ends[1]);
     const auto expectLoss = [&](U64 packets, const Json& seconds) {
       const Json answer = nextLoss(pipe);
       EXPECT_EQ(answer["droppedPackets"], packets);
@@ -80,12 +79,13 @@ TEST(Repeat, EachAnswerCountsFromTheOneBeforeWhateverHappensToTheSource) {
     state.lossIs(12, takenAt("41"));
     expectLoss(7, 10);
     std::filesystem::remove(state.path);
-    ASSERT_TRUE(awaitText(err, "loamshow: " + state.path + ": cannot read: No such file or directory\n"));
+    ASSERT_TRUE(
+        awaitText(program.err, "loamshow: " + state.path + ": cannot read: No such file or directory\n"));
     state.lossIs(20, takenAt("53.5"));
     expectLoss(8, 12.5);
     happens(state);
     EXPECT_EQ(program.status(), 2);
-    EXPECT_THAT(err.content(), EndsWith("loamshow: " + state.path + error));
+    EXPECT_THAT(program.err.content(), EndsWith("loamshow: " + state.path + error));
   }
 }
 
@@ -114,8 +114,7 @@ TEST(Repeat, TurnsThatWereMissedAreLeftOut) {
   const Replaced state;
   state.lossIs(5, "");
   Pipe pipe;
-  const MemoryFile err;
-  const Program program({"-s", state.path, "top", "-j", "--every", "0.2"}, pipe.ends[1], err.fd());
+  const Program program({"-s", state.path, "top", "-j", "--every", "0.2"}, pipe.ends[1]);
   const auto nextSeconds = [&] { return Json::parse(pipe.readTo("\n")).value("seconds", 0.0); };
   nextSeconds();
   program.signal(SIGSTOP);
@@ -135,13 +134,12 @@ TEST(Repeat, AnInterruptBetweenTwoAnswersWritesNothing) {
   state.lossIs(5, "");
   for (const char* command : {"top", "mtu"}) {
     Pipe pipe;
-    const MemoryFile err;
-    const Program program({"-s", state.path, command, "-j", "--every", "3600"}, pipe.ends[1], err.fd());
+    const Program program({"-s", state.path, command, "-j", "--every", "3600"}, pipe.ends[1]);
     pipe.readTo("\n");
     awaitSleep(program);
     program.signal(SIGINT);
     EXPECT_EQ(program.status(), 130);
-    EXPECT_EQ(pipe.drain() + err.content(), "");
+    EXPECT_EQ(pipe.drain() + program.err.content(), "");
   }
 }
 
@@ -150,8 +148,7 @@ TEST(Repeat, AnInterruptOfALongCommandEndsItOnATerminal) {
   const MemoryFile file(R"({"debug": {"faps": {"F": {"directory": {"valid": true, "readiness": 1,
     "blocks": {"b": {"c": {"numInstances": 4294967295}}}}, "snapshots": {}}}}})");
   const Terminal terminal;
-  const MemoryFile err;
-  const Program program({"-s", file.path(), "debug", "--drops", "--every", "9"}, terminal.ends[1], err.fd());
+  const Program program({"-s", file.path(), "debug", "--drops", "--every", "9"}, terminal.ends[1]);
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   program.signal(SIGINT);
   EXPECT_THAT(program.status(), testing::AnyOf(130, 1000 + SIGINT)) << "the latter if it has not begun";
@@ -166,12 +163,11 @@ TEST(Repeat, RedrawsATerminalAndRestoresIt) {
     const winsize size{rows, columns, 0, 0};
     ::ioctl(terminal.ends[0], TIOCSWINSZ, &size);
   };
-  const MemoryFile err;
   const std::string clear = "\x1b[K";
   const std::string end = "\r\n\x1b[J";
   for (const auto& [signal, status] : {std::pair(SIGINT, 130), {SIGTERM, 1000 + SIGTERM}}) {
     resize(24, 80);
-    const Program program({"-s", state.path, "top", "--every", "3600"}, terminal.ends[1], err.fd());
+    const Program program({"-s", state.path, "top", "--every", "3600"}, terminal.ends[1]);
     EXPECT_THAT(terminal.readTo(end),
                 StartsWith(enterScreen + "\x1b[H--- 2026-11-23T10:53:31Z" + clear +
                            "\r\nDropped packets: leaf7, 2026-11-23T10:53:31Z" + clear + "\r\nInterface"));
@@ -184,13 +180,12 @@ TEST(Repeat, RedrawsATerminalAndRestoresIt) {
     EXPECT_EQ(terminal.readTo(leaveScreen), leaveScreen);
   }
   resize(24, 80);
-  const Program program({"-s", state.path, "top", "--every", "0.1", "--count", "2"}, terminal.ends[1],
-                        err.fd());
+  const Program program({"-s", state.path, "top", "--every", "0.1", "--count", "2"}, terminal.ends[1]);
   EXPECT_EQ(program.status(), 0);
   const std::string last =
       "--- 2026-11-23T10:53:31Z, 0.0 s\nNo dropped packets: leaf7, 2026-11-23T10:53:31Z\n";
   EXPECT_THAT(terminal.readTo(last), EndsWith(end + leaveScreen + last)) << "the last answer stays";
-  EXPECT_EQ(err.content(), "");
+  EXPECT_EQ(program.err.content(), "");
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ void addEgress(std::string& text, Json& interfaces, const std::string& name, con
     for (const DestType destType : {DestType::unicast, DestType::multicast}) {
       const bool unicast = destType == DestType::unicast;
       const bool counted = unicast || record != EgressRecord::portMode;
-      const Json counts = counted ? quad(egressBase(record, intf, t, destType)) : zeros();
+      const Json counts = counted ? quad(egressBase(record, intf, t, destType)) : zeros;
       text += line("%-20s %-7s %-10s %-10s ", Nexo::IntfId(name).shortName().c_str(), labels[i].c_str(),
                    "DP0-3", unicast ? "UC" : "MC") +
               columns(17, counts);

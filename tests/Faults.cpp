@@ -79,9 +79,7 @@ void expectEveryFaultHandled(const Command& command) {
       const Run got = ran(command, &fault, at);
       const std::size_t taken = before + (fault.error == 0 ? std::min(fault.most, size) : 0);
       EXPECT_EQ(got.written, fault.isFinal ? whole.written.substr(0, taken) : whole.written);
-      if (fault.isFinal) {
-        EXPECT_EQ(got.sizes.size(), at) << "nothing is written after it";
-      }
+      EXPECT_TRUE(!fault.isFinal || got.sizes.size() == at) << "nothing is written after it";
       EXPECT_EQ(got.said, fault.interrupts ? "exiting interrupted by user\n" : "");
       const bool fails = fault.isFinal && !fault.interrupts && !whileRaising;
       const std::string failure = "cannot write the answer: " + std::generic_category().message(fault.error);

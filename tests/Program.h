@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/Mote.h"
 #include "tests/Support.h"
 
 namespace loamtest {

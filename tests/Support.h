@@ -14,7 +14,6 @@
 
 #include "loamshow/cli/CommandLine.h"
 #include "platform/Mote.h"
-#include "platform/Vane.h"
 
 namespace loamtest {
 
@@ -25,9 +24,7 @@ using Json = nlohmann::ordered_json;
 
 /// The four counts of a quad: base + 1 to base + 4.
 Json quad(U64 base);
-inline Json zeros() {
-  return {0, 0, 0, 0};
-}
+inline const Json zeros = {0, 0, 0, 0};
 Json plus(const Json& left, const Json& right);
 /// The quad as the members of a JSON row.
 Json members(const Json& quad);

@@ -75,7 +75,7 @@ TEST(StateFile, NamesFileAndMemberOfEveryError) {
       {"/counters/ingress", R"([{"intfId": "a"}, {"intfId": "b"}, {"intfId": "a"}])",
        "/2: repeated entry of this FAP, core and interface"},
       {"/counters/ingress/0/queue", "[]", ": unknown member; did you mean queues?"},
-      {"/counters/ingress/0/queues", Json(81, zeros()).dump(), ": expected at most 80 queues"},
+      {"/counters/ingress/0/queues", Json(81, zeros).dump(), ": expected at most 80 queues"},
       {"/counters/egress/a/total", "[1, 2, 3]", ": expected four counts"},
       {"/counters/egress/a/total", R"([1, "2", 3, 4])", "/1: expected a number"},
       {"/counters/egress/a/total", "[1, 2, 3, 18446744073709551616]",

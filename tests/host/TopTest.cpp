@@ -9,7 +9,6 @@ namespace loamtest {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 /// The small switch with a loss of every kind, some of them equal.
 Json lossySwitch() {
@@ -89,7 +88,8 @@ TEST(Top, RanksByOctetsShowsTheFirstRowsAndChoosesInterfaces) {
   EXPECT_EQ(rows("--by octets -n 6"),
             "Port-Channel1 TC1 voq;Ethernet1 TC1 voq A.0;Ethernet1 TC1 voq B;Ethernet1 TC0 egressUnicast;"
             "Port-Channel1 TC1 egressMulticast;Port-Channel1 TC1 egressUnicast;");
-  EXPECT_THAT(rows("--by octets -n 0"), AllOf(HasSubstr(";Ethernet1 TC2 voq A.0;"), Not(HasSubstr("acl"))));
+  EXPECT_THAT(rows("--by octets -n 0"),
+              AllOf(HasSubstr(";Ethernet1 TC2 voq A.0;"), testing::Not(HasSubstr("acl"))));
   EXPECT_EQ(rows("Et3"), "Ethernet3 acl;");
   EXPECT_EQ(rows("Po1,po1 Port-Channel1 -n 0"),
             "Port-Channel1 TC1 voq;Port-Channel1 acl;Port-Channel1 TC1 egressUnicast;"

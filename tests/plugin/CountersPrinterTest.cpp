@@ -16,7 +16,6 @@ namespace loamtest {
 namespace {
 
 using namespace LoamCounters;
-using testing::HasSubstr;
 
 /// Counter tables of zeros, except the dropped packets of each interface, that call a function at each read.
 class Tables : public CounterTables {
@@ -243,7 +242,7 @@ TEST(Threads, ShareOnePrinter) {
   for (std::string& all : got) threads.emplace_back([&] { all = answers(); });
   for (std::thread& thread : threads) thread.join();
   EXPECT_THAT(got, testing::Each(answers()));
-  EXPECT_THAT(got.front(), HasSubstr("CoppSystemDefault"));
+  EXPECT_THAT(got.front(), testing::HasSubstr("CoppSystemDefault"));
 }
 
 TEST(CountersPrinter, BrokenInvariantsAreFatal) {

@@ -59,7 +59,7 @@ std::string portRows(const char* name, const Json& unicast, const Json& multicas
 void expectAnswer(std::vector<std::string> command, std::string text, const Json& ingress) {
   Json json{{"ingressVoqs", ingress}};
   text += cpuEgressHead;
-  const std::tuple<const char*, Json, Json> ports[] = {{"CpuTm0", tm0, zeros()},
+  const std::tuple<const char*, Json, Json> ports[] = {{"CpuTm0", tm0, zeros},
                                                        {"CpuB", cpuBUnicast, cpuBMulticast},
                                                        {"CpuNowhere", plus(tm0, cpuBUnicast), cpuBMulticast}};
   for (const auto& [name, unicast, multicast] : ports) {
@@ -78,7 +78,7 @@ TEST(CpuQueues, ShowsTwoTablesPerFapCore) {
   Json json;
   for (const std::string source : {"A.0", "A.1", "B"}) {
     const auto counts = [&](const std::string& name, U64 offset) {
-      return source == "B" ? zeros() : quad(bases.at(name) + (source == "A.1" ? 10 : 0) + offset);
+      return source == "B" ? zeros : quad(bases.at(name) + (source == "A.1" ? 10 : 0) + offset);
     };
     Json& cpuClasses = json["sources"][source]["cpuClasses"];
     text += classHead(source + ":", "", true);
@@ -116,7 +116,7 @@ TEST(CpuQueues, SummaryIsOfTheWholeSwitch) {
 
 TEST(CpuQueues, APortWithoutAFapIsReadInEveryModeThatAFapHas) {
   Json state = cpuSwitch();
-  for (const auto& [major, rows] : {std::pair{1, portRows("CpuNowhere", tm0, zeros())},
+  for (const auto& [major, rows] : {std::pair{1, portRows("CpuNowhere", tm0, zeros)},
                                     std::pair{2, portRows("CpuNowhere", cpuBUnicast, cpuBMulticast)}}) {
     for (Json& revision : state["status"]["fapRevision"]) revision["major"] = major;
     EXPECT_THAT(answer(state, {"cpu", "--summary"}), testing::EndsWith(rows));

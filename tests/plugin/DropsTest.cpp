@@ -58,7 +58,7 @@ TEST(QueueDrops, ShowsIngressAndEgressPerTrafficClass) {
   };
   for (U64 t = 0; t < 8; ++t) {  // port mode has no multicast
     const Json unicast = quad(egressBase(EgressRecord::portMode, ethernet1, t, DestType::unicast));
-    trafficClass("Ethernet1", tcs()[t], ethernet1, t, egress(unicast, zeros()));
+    trafficClass("Ethernet1", tcs()[t], ethernet1, t, egress(unicast, zeros));
   }
   // A sub-interface has no egress part, although its FAP is in queue mode.
   Json state = smallSwitch();
@@ -96,7 +96,7 @@ TEST(QueueDrops, AnInterfaceWithoutAFapIsShownInEveryModeThatAFapHas) {
   Json state = smallSwitch();
   state["status"]["portMap"].erase("66");
   state["counters"]["egress"]["Ethernet3"]["queues"] = {quad(50)};
-  const std::string port = egress(quad(50), zeros()).text;
+  const std::string port = egress(quad(50), zeros).text;
   const std::string queue = queueMode(0).text;
   const std::tuple<int, int, std::string> cases[] = {{1, 2, port + queue}, {1, 1, port}, {2, 2, queue}};
   for (const auto& [majorA, majorB, egress] : cases) {

@@ -94,7 +94,7 @@ TEST(Queues, InternalAddsSpecialInterfacesInTheOrderOfTheirKinds) {
                   "FabricMcast0 FabricMcast1 FabricMcast2 FabricMcast3"));
   EXPECT_EQ(rowNames(egress),
             words("Et1 P302 P301 P305 P308 P312 P314 P321 P313 P326 P328 P330 P331 X.5 Po9"));
-  EXPECT_NE(ingress.find(ingressRows("X.5", tcs(), Quads(8, zeros()))), std::string::npos)
+  EXPECT_NE(ingress.find(ingressRows("X.5", tcs(), Quads(8, zeros))), std::string::npos)
       << "a special interface has the traffic classes of a port";
   status["fapNumCores"] = {{"3", 0}, {"7", 1}, {"9", 2}};  // one without cores, one without a name
   EXPECT_EQ(rowNames(answer(state, {"ingress", "Ethernet1", "--internal"})), rowNames(ingress));

@@ -5,7 +5,6 @@
 
 #include "LoamCounters/QueueCountersPrinter/CountersPrinter.h"
 #include "LoamCounters/QueueCountersPrinter/IntfLists.h"
-#include "loamshow/commands/Plugin.h"
 #include "loamshow/commands/RegistryReport.h"
 #include "platform/Vane.h"
 #include "platform/tabula.h"

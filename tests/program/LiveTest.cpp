@@ -20,7 +20,6 @@ namespace loamtest {
 
 namespace {
 
-using testing::EndsWith;
 using testing::MatchesRegex;
 
 constexpr U64 heartbeatAt = offsetof(LoamCounters::RegionHeader, heartbeat);
@@ -31,8 +30,7 @@ struct Live {
     std::vector<std::string> arguments = words(options);
     arguments.insert(arguments.end(), {state, region});
     sim.emplace(arguments, STDERR_FILENO, LOAMSIM);
-    while (!std::filesystem::exists(region) && !sim->ends(std::chrono::milliseconds(5))) {
-    }
+    while (!std::filesystem::exists(region) && !sim->ends(std::chrono::milliseconds(5))) continue;
   }
   ~Live() { stop(SIGKILL); }
   int stop(int signal) {
@@ -93,7 +91,7 @@ TEST(Live, TellsWhatBecameOfTheWriter) {
   EXPECT_EQ(run(words("complete -s " + live.region + " acl Et1/1.")).err, "");
   const Ran since = run({"--sample", "--since", live.region, "acl"});
   EXPECT_EQ(since.status, 2);
-  EXPECT_THAT(since.err, EndsWith("/region: expected a state file, not a counter region\n"));
+  EXPECT_THAT(since.err, testing::EndsWith("/region: expected a state file, not a counter region\n"));
 
   putWord(live.region, heartbeatAt, ~U64{0});
   putWord(live.region, aclRecord(live.region), 1);
@@ -109,7 +107,6 @@ TEST(Live, SurvivesWhatBecomesOfTheFileWhileItIsRead) {
   const std::string truncated = "loamshow: .*/region: the counter region was truncated while it was read\n";
   const std::tuple<std::function<void(const std::string& path)>, int, std::string> cases[] = {
       {[](const std::string& path) { fs::resize_file(path, 0); }, 2, truncated},
-      {[](const std::string& path) { fs::resize_file(path, 8192); }, 2, truncated},
       {[](const std::string& path) {
          std::fstream(path, std::ios::in | std::ios::out) << std::string(fs::file_size(path), '\xff');
        },

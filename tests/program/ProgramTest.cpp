@@ -14,7 +14,6 @@ namespace loamtest {
 
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 
 TEST(Program, ReportsFindingsInBothFormats) {
@@ -97,7 +96,7 @@ TEST(Program, AnInterruptEndsAnAnswerThatNobodyReads) {
       EXPECT_EQ(program.status(), 130);
       EXPECT_EQ(program.err.content(), "");
       if (sink == &terminal) continue;
-      EXPECT_THAT(sink->drain(), EndsWith("exiting interrupted by user\n"));
+      EXPECT_THAT(sink->drain(), testing::EndsWith("exiting interrupted by user\n"));
     }
   }
 }

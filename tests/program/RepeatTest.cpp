@@ -17,8 +17,6 @@ namespace loamtest {
 namespace {
 
 using testing::EndsWith;
-using testing::MatchesRegex;
-using testing::StartsWith;
 
 const std::string enterScreen = "\x1b[?1049h\x1b[?25l\x1b[?7l";
 const std::string leaveScreen = "\x1b[?7h\x1b[?25h\x1b[?1049l";
@@ -103,7 +101,8 @@ TEST(Repeat, TextFollowsItselfWithTimesAndEndsAfterTheCount) {
   state.lossIs(5, "");
   ran = run({"-s", state.path, "top", "--every", "0.1", "--count", "2"});
   const std::string time = "....-..-..T..:..:..Z";
-  EXPECT_THAT(ran.out, MatchesRegex("--- " + time + "\nDropped packets: leaf7\n(.|\n)*--- " + time +
+  EXPECT_THAT(ran.out,
+              testing::MatchesRegex("--- " + time + "\nDropped packets: leaf7\n(.|\n)*--- " + time +
                                     ", [0-9]+\\.[0-9] s\nNo dropped packets: leaf7, in [0-9]+\\.[0-9] s\n"));
   ran = run({"-s", state.path, "drops", "Et1", "--every", "0.1"});
   EXPECT_EQ(ran.status, 2);
@@ -120,8 +119,7 @@ TEST(Repeat, TurnsThatWereMissedAreLeftOut) {
   program.signal(SIGSTOP);
   std::this_thread::sleep_for(std::chrono::milliseconds(1500));
   program.signal(SIGCONT);
-  while (nextSeconds() < 1) {
-  }
+  while (nextSeconds() < 1) continue;
   double sum = 0;
   for (int i = 0; i < 3; ++i) sum += nextSeconds();
   EXPECT_GT(sum, 0.15) << "the turns of the time before came all at once";
@@ -168,9 +166,10 @@ TEST(Repeat, RedrawsATerminalAndRestoresIt) {
   for (const auto& [signal, status] : {std::pair(SIGINT, 130), {SIGTERM, 1000 + SIGTERM}}) {
     resize(24, 80);
     const Program program({"-s", state.path, "top", "--every", "3600"}, terminal.ends[1]);
-    EXPECT_THAT(terminal.readTo(end),
-                StartsWith(enterScreen + "\x1b[H--- 2026-11-23T10:53:31Z" + clear +
-                           "\r\nDropped packets: leaf7, 2026-11-23T10:53:31Z" + clear + "\r\nInterface"));
+    EXPECT_THAT(
+        terminal.readTo(end),
+        testing::StartsWith(enterScreen + "\x1b[H--- 2026-11-23T10:53:31Z" + clear +
+                            "\r\nDropped packets: leaf7, 2026-11-23T10:53:31Z" + clear + "\r\nInterface"));
     awaitSleep(program);
     resize(3, 12);
     program.signal(SIGWINCH);

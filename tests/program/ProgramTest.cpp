@@ -132,8 +132,7 @@ TEST(Program, WritesTheSameToATerminalAndASlowReader) {
   EXPECT_EQ(pipe.drain(), expected);
   const Program onTerminal({"queues", "--sample"}, terminal.ends[1]);
   EXPECT_EQ(terminal.drain(), expected);
-  EXPECT_EQ(slow.status(), 0);
-  EXPECT_EQ(onTerminal.status(), 0);
+  EXPECT_EQ(slow.status() + onTerminal.status(), 0);
 }
 
 }  // namespace

@@ -103,7 +103,7 @@ class Capturer {
   requires requires { Id::lowest; }
   void write(Id id) { out_.value(id.value()); }
   void write(Vane::Seconds time) {
-    // JSON has no infinite numbers, which a region may hold: the largest finite ones are invalid times, too.
+    // A region may hold a time that is not finite, JSON cannot. `debug` shows the largest as invalid, too.
     constexpr double largest = std::numeric_limits<double>::max();
     const double seconds = time.value();
     out_.value(std::isfinite(seconds) ? seconds : std::copysign(largest, seconds));
